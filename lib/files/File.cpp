@@ -1,0 +1,89 @@
+#include "lib/files/File.h"
+
+using std::ios_base;
+
+static_assert(ios_base::app == 1 && ios_base::ate == 2 && ios_base::binary == 4 && ios_base::in == 8 &&
+                  ios_base::out == 16 && ios_base::trunc == 32,
+              "open modes are handed to the stream as they are");
+
+constinit ASCII_FILE* ASCII_FILE::current_file = nullptr;
+
+ASCII_FILE::ASCII_FILE()
+    : mode(ios_base::in), name(file_name), success(false), ok(success), skip_comments(1), line_changed(false),
+      previous_pos(0), included_file(nullptr), parent_file(nullptr) {}
+
+ASCII_FILE::ASCII_FILE(char const* path, int open_mode) : ASCII_FILE() { open(path, open_mode); }
+
+ASCII_FILE::~ASCII_FILE() {
+  success = false;
+  current_file = nullptr;
+  def_values.resize(0);
+  def_keys.resize(0);
+  delete included_file;
+}
+
+void ASCII_FILE::open(char const* path, int open_mode) {
+  mode = open_mode | ios_base::in;
+  open_stream(path == nullptr ? "" : path, mode);
+}
+
+void ASCII_FILE::open_stream(char const* path, int open_mode) {
+  std::fstream::open(path, static_cast<ios_base::openmode>(open_mode));
+  success = !fail();
+  file_name = path;
+  set_position();
+  line_changed = false;
+}
+
+void ASCII_FILE::close() {
+  success = false;
+  std::fstream::close();
+}
+
+bool ASCII_FILE::if_current_file() { return current_file != nullptr; }
+
+std::streampos ASCII_FILE::get_position() {
+  const bool only_at_end = eof() && !fail();
+  if (only_at_end) clear(); // tellg would take the end of file for a failure
+  const std::streampos position = tellg();
+  if (only_at_end) setstate(eofbit);
+  return position;
+}
+
+void ASCII_FILE::set_position() { previous_pos = get_position(); }
+
+void ASCII_FILE::goto_position(std::streampos p) {
+  if (fail()) {
+    close();
+    open_stream(name.str, mode & ~ios_base::trunc); // truncating again would lose what the file holds
+  }
+  if (mode & ios_base::in) seekg(p);
+  if (mode & ios_base::out) seekp(p);
+}
+
+void ASCII_FILE::goto_position_and_set_previous_pos(std::streampos p) {
+  goto_position(p);
+  set_position();
+}
+
+void ASCII_FILE::rewind() { goto_position_and_set_previous_pos(0); }
+
+void ASCII_FILE::back() { goto_position(previous_pos); }
+
+void ASCII_FILE::back1() { goto_position(std::streamoff(get_position()) - 1); }
+
+int ASCII_FILE::get_next_char() {
+  set_position();
+  return static_cast<signed char>(get());
+}
+
+void ASCII_FILE::empty_line() {
+  char c = ' ';
+  while (get(c) && c != '\n' && c != '\r' && c != '\0') continue;
+}
+
+void ASCII_FILE::read_spaces() {
+  char c = ' ';
+  while (get(c) && c == ' ') continue;
+  if (good()) putback(c);
+}

@@ -1,0 +1,167 @@
+#pragma once
+
+#include <algorithm>
+#include <climits>
+#include <cstddef>
+#include <memory>
+
+/// An owned array with an explicit element count, the root of the four containers. `T` needs a default constructor and
+/// assignment, and `==` for the searches of `CARRAY`.
+///
+/// Pointers and references to elements are valid until the storage is next replaced. Indexes and sizes are not checked.
+/// An operation that cannot get memory throws std::bad_alloc; one that releases the old elements first then leaves the
+/// container empty and without storage, `add` leaves it as it was.
+template <class T>
+class ARRAY {
+public:
+  /// The element storage, from `new T[]` and owned; null when there is none.
+  T* ptr = nullptr;
+
+  /// The number of elements in use; zero or less means empty.
+  int size = 0;
+
+  ARRAY() = default;
+  ARRAY(ARRAY const&) = delete;
+  ARRAY& operator=(ARRAY const&) = delete;
+
+  virtual ~ARRAY() { release(); }
+
+  /// Releases the storage and adopts p, which comes from `new T[]` or is null, as the storage of n elements.
+  virtual void set_ptr_and_size(T* p, int n) {
+    if (p != ptr) release();
+    ptr = p;
+    size = n;
+  }
+
+  /// Changes the count alone; the caller keeps n within the storage.
+  virtual void set_size(int n) { size = n; }
+
+  /// Drops the elements and makes n new ones; without storage when n is 0 or less. `resize(0)` empties any container.
+  virtual void resize(int n) {
+    release();
+    if (n >= 1) allocate(n);
+    size = n;
+  }
+
+  /// As `resize`, but with storage, of length zero, also for n = 0. REQUIRES: n is not negative.
+  virtual void hard_resize(int n) {
+    release();
+    allocate(n);
+    size = n;
+  }
+
+  T& operator[](int index) { return ptr[index]; }
+  T const& operator[](int index) const { return ptr[index]; }
+
+  T* begin() { return ptr; }
+  T* end() { return ptr + count(); }
+  T const* begin() const { return ptr; }
+  T const* end() const { return ptr + count(); }
+
+protected:
+  int count() const { return std::max(size, 0); }
+
+  void allocate(int n) { ptr = new T[static_cast<std::size_t>(std::max(n, 0))]; }
+
+  void release() {
+    delete[] ptr;
+    ptr = nullptr;
+    size = 0;
+  }
+
+  /// Moves to new storage of `capacity` elements with x behind the current ones. x may be one of them: it is copied
+  /// before they go.
+  void grow(int capacity, T const& x) {
+    const int used = count();
+    std::unique_ptr<T[]> fresh(new T[static_cast<std::size_t>(capacity)]);
+    std::copy(ptr, ptr + used, fresh.get());
+    fresh[static_cast<std::size_t>(used)] = x;
+    delete[] ptr;
+    ptr = fresh.release();
+    size = used + 1;
+  }
+};
+
+/// An `ARRAY` that can be searched, from index 0 upward, for elements equal to a value.
+template <class T>
+class CARRAY : public ARRAY<T> {
+public:
+  virtual bool is_in(T const& x) const { return position(x) >= 0; }
+
+  /// As `is_in(x)`, and sets index to the first position of x; without x, index stays as it is.
+  virtual bool is_in(T const& x, int& index) const {
+    const int found = position(x);
+    if (found >= 0) index = found;
+    return found >= 0;
+  }
+
+  /// The number of elements equal to x.
+  virtual int count_occurrence(T const& x) const { return static_cast<int>(std::count(this->begin(), this->end(), x)); }
+
+  /// The position of the first element equal to x, or -1.
+  virtual int first_occurrence(T const& x) const { return position(x); }
+
+private:
+  int position(T const& x) const {
+    const T* const found = std::find(this->begin(), this->end(), x);
+    return found == this->end() ? -1 : static_cast<int>(found - this->begin());
+  }
+};
+
+/// A list without spare room: each `add` copies the whole list. For short lists.
+template <class T>
+class LIST : public CARRAY<T> {
+public:
+  /// Appends x, which may be an element of this list, in storage of exactly one element more.
+  void add(T const& x) { this->grow(this->count() + 1, x); }
+};
+
+/// A list with spare room that grows by a fixed step. For long lists.
+template <class T>
+class BUFF_LIST : public CARRAY<T> {
+public:
+  /// How many elements the storage holds.
+  int capacity;
+
+  /// How many places an `add` that finds the storage full adds; at least 1.
+  int increment;
+
+  /// Allocates storage for `initial_capacity` elements (below 0 counts as 0); a step below 1 counts as 1.
+  BUFF_LIST(int initial_capacity = 16, int step = 16)
+      : capacity(std::max(initial_capacity, 0)), increment(std::max(step, 1)) {
+    this->allocate(capacity);
+  }
+
+  /// Appends x, which may be an element of this list.
+  void add(T const& x) {
+    const int used = this->count();
+    if (used < capacity) {
+      this->ptr[used] = x;
+      this->size = used + 1;
+    } else {
+      const int wider = used + std::clamp(increment, 1, INT_MAX - used);
+      this->grow(wider, x);
+      capacity = wider;
+    }
+  }
+
+  /// Keeps storage and elements while n fits the capacity; otherwise drops them for n new ones, with no spare room.
+  void resize(int n) override {
+    if (n <= capacity) {
+      this->size = n;
+    } else {
+      BUFF_LIST::hard_resize(n);
+    }
+  }
+
+  void hard_resize(int n) override {
+    capacity = 0;
+    ARRAY<T>::hard_resize(n);
+    capacity = std::max(n, 0);
+  }
+
+  void set_ptr_and_size(T* p, int n) override {
+    ARRAY<T>::set_ptr_and_size(p, n);
+    capacity = std::max(n, 0);
+  }
+};

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <iosfwd>
+
+/// The pool of scratch buffers that every `STRING` lives on: `pBufs[0]` to `pBufs[Nb_string]` are free, the one handed
+/// back last on top, and each holds at least 510 bytes. It starts empty, fills with what strings hand back, and works
+/// before any constructor has run. One thread only.
+extern constinit char* pBufs[1001];
+
+/// Index of the top free buffer in `pBufs`, -1 while the pool is empty.
+extern constinit int Nb_string;
+
+/// A buffer of at least n + 1 bytes with undefined contents, from the pool when n is at most 509 and the pool holds
+/// one, else from `new char[]`. The caller owns it and gives it up with `put_ptr`. Throws std::bad_alloc without
+/// memory.
+char* get_ptr(int n);
+
+/// Takes a buffer of `get_ptr` back: into the pool, or freed when all slots are in use. Null is ignored.
+void put_ptr(char* p);
+
+/// An owned, NUL-terminated byte string with value semantics, made for many short-lived texts.
+///
+/// The text lives in a buffer of the pool above, so making and dropping texts of up to 509 bytes costs no heap call
+/// once the pool is warm; a longer text gets a buffer of its own size. The length is not stored but measured, so a text
+/// never holds a NUL byte. There is no spare capacity: an operation that lengthens the text takes a new buffer, which
+/// ends the validity of every pointer into the old one.
+///
+/// An operation that cannot get memory throws std::bad_alloc and leaves the text valid.
+class STRING {
+public:
+  /// The text; never null while the object lives, and owned by it. Valid until the text next changes.
+  char* str;
+
+  /// Outcome of the last token extraction on this text; true after construction. Assignments leave it alone.
+  bool success;
+
+  /// The read-only view of this object's own `success`.
+  const bool& ok;
+
+  /// An empty text, built during static initialisation.
+  static STRING EMPTY;
+
+  STRING();
+
+  /// A copy of s; a null s gives the empty text.
+  STRING(char const* s);
+
+  /// The one-character text c; NUL gives the empty text.
+  STRING(char c);
+
+  /// A copy of the text; `success` starts as true whatever it is in s.
+  STRING(STRING const& s);
+
+  ~STRING();
+
+  /// s may point into this very text, which then becomes its own tail. A null s empties the text.
+  STRING& operator=(char const* s);
+  STRING& operator=(STRING const& s);
+  STRING& operator=(char c);
+
+  // Comparisons are those of strcmp: byte by byte, bytes unsigned, case significant.
+
+  bool operator==(char const* s) const;
+  bool operator==(STRING const& s) const;
+
+  /// The difference that strcmp gives, non-zero exactly when the texts differ.
+  int operator!=(char const* s) const;
+  int operator!=(STRING const& s) const;
+
+  bool operator<(char const* s) const;
+  bool operator<(STRING const& s) const;
+  bool operator>(char const* s) const;
+  bool operator>(STRING const& s) const;
+
+  /// Appends s, which may be this text or a part of it. A null s or a NUL c appends nothing.
+  STRING& operator+=(STRING const& s);
+  STRING& operator+=(char const* s);
+  STRING& operator+=(char c);
+
+  /// The first occurrence of c, as strchr finds it (NUL finds the terminator), or null. The text may be edited through
+  /// the result, which is valid until the text next changes.
+  char* locate(char c);
+
+  /// The first occurrence of s, as strstr finds it (an empty s is found at the start), or null; valid as above.
+  char* locate(char const* s);
+  char* locate(STRING const& s);
+
+  /// The decimal number at the start of the text, white space skipped; 0 without one, the nearest `int` beyond the
+  /// range.
+  int to_int() const;
+
+  /// The real number at the start of the text, its exponent written with e, E, d or D; 0 without one.
+  double to_double() const;
+};
+
+/// The result of strncmp over at most n bytes; 0 when n is not positive.
+int strn_cmp(char const* a, STRING const& b, int n);
+int strn_cmp(STRING const& a, char const* b, int n);
+int strn_cmp(STRING const& a, STRING const& b, int n);
+
+STRING operator+(STRING const& a, STRING const& b);
+STRING operator+(STRING const& a, char const* b);
+STRING operator+(STRING const& a, char b);
+STRING operator+(char const* a, STRING const& b);
+STRING operator+(char a, STRING const& b);
+
+/// Writes the text as a character array is written: the stream's width and fill apply.
+std::ostream& operator<<(std::ostream& os, STRING const& s);
+
+/// Writes the binary record of s: its length as an `int` of four bytes in the machine's order, then its bytes. A text
+/// too long for such a length writes nothing and sets the fail state.
+void write(std::ostream& os, STRING const& s);
+
+/// Reads one binary record into s. A missing or negative length gives the empty text, a stream that ends early the
+/// bytes that came; the stream's state tells.
+void read(std::istream& is, STRING& s);

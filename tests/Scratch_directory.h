@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+
+/// A new empty directory that is the working directory for as long as this object lives, and is gone afterwards.
+class SCRATCH_DIRECTORY {
+public:
+  SCRATCH_DIRECTORY() {
+    std::string name = (std::filesystem::temp_directory_path() / "kindex-XXXXXX").string();
+    path = mkdtemp(name.data());
+    std::filesystem::current_path(path);
+  }
+  SCRATCH_DIRECTORY(SCRATCH_DIRECTORY const&) = delete;
+  SCRATCH_DIRECTORY& operator=(SCRATCH_DIRECTORY const&) = delete;
+  ~SCRATCH_DIRECTORY() {
+    std::filesystem::current_path(before);
+    std::filesystem::remove_all(path);
+  }
+
+  std::filesystem::path path;
+
+private:
+  std::filesystem::path before = std::filesystem::current_path();
+};
+
+/// The bytes of a file; empty when it cannot be read.
+inline std::string contents(std::filesystem::path const& path) {
+  std::ostringstream bytes;
+  bytes << std::ifstream(path, std::ios_base::binary).rdbuf();
+  return bytes.str();
+}
+
+inline void put(std::filesystem::path const& path, std::string const& bytes) {
+  std::ofstream(path, std::ios_base::binary) << bytes;
+}

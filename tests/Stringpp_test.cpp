@@ -1,0 +1,254 @@
+#include "lib/strings/Stringpp.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <functional>
+#include <iomanip>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include "tests/Allocations.h"
+
+namespace {
+
+using SIZES = std::vector<std::size_t>;
+
+void drain_pool() {
+  while (Nb_string >= 0) delete[] pBufs[Nb_string--];
+}
+
+std::string text_of(std::size_t length) { return std::string(length, 'x'); }
+
+TEST(Pool, HandsOutTheLastBufferReturnedAndFreesTheOneTooMany) {
+  drain_pool();
+  for (int i = 0; i < 1001; ++i) put_ptr(new char[510]);
+  char* const top = pBufs[1000];
+  ALLOCATIONS::watching = true;
+  ALLOCATIONS::freed = 0;
+  put_ptr(new char[510]);
+  ALLOCATIONS::watching = false;
+  EXPECT_EQ(ALLOCATIONS::freed, 1);
+  EXPECT_EQ(Nb_string, 1000);
+  EXPECT_EQ(get_ptr(10), top);
+  EXPECT_EQ(Nb_string, 999);
+  put_ptr(nullptr);
+  EXPECT_EQ(Nb_string, 999);
+  put_ptr(top);
+}
+
+TEST(Pool, AsksNewForTheSizesThatItsRulesGive) {
+  const std::string s508 = text_of(508), s509 = text_of(509), s600 = text_of(600);
+  std::istringstream record(std::string("\x58\x02\0\0", 4) + s600);
+  STRING target("abc"), longer(s600.c_str());
+  const struct {
+    std::function<void()> action;
+    SIZES cold, warm;
+  } cases[] = {
+      {[] { STRING s; }, {510}, {}},
+      {[] { STRING s('c'); }, {510}, {}},
+      {[] { STRING s("abc"); }, {510}, {}},
+      {[] { STRING s(static_cast<char const*>(nullptr)); }, {510}, {}},
+      {[&] { STRING s(s508.c_str()); }, {510}, {}},
+      {[&] { STRING s(s509.c_str()); }, {511}, {511}},
+      {[&] { STRING s(s600.c_str()); }, {602}, {602}},
+      {[&] { STRING s(longer); }, {602}, {602}},
+      {[&] { target = s509.c_str(); }, {510}, {}},
+      {[&] { target = longer; }, {601}, {601}},
+      {[&] { target = 'c'; }, {}, {}},
+      {[&] { target = static_cast<char const*>(nullptr); }, {}, {}},
+      {[&] { target = static_cast<char const*>(nullptr), target = 'c'; }, {}, {}},
+      {[&] { target += longer; }, {604}, {604}},
+      {[&] { STRING("abc") + "def"; }, {510, 510, 510, 510}, {}},
+      {[&] { record.seekg(0), read(record, target); }, {601}, {601}},
+      {[] { put_ptr(get_ptr(509)); }, {510}, {}},
+      {[] { put_ptr(get_ptr(510)); }, {511}, {511}},
+  };
+  for (auto const& c : cases) {
+    for (const bool warm : {true, false}) {
+      target = "abc";
+      drain_pool();
+      for (int i = 0; warm && i < 8; ++i) put_ptr(new char[510]);
+      EXPECT_EQ(sizes_asked(c.action), warm ? c.warm : c.cold) << "case " << &c - cases;
+    }
+  }
+}
+
+TEST(Pool, ServesShortTextsFromTheBuffersOfLongOnes) {
+  drain_pool();
+  char const* const buffer = STRING(text_of(600).c_str()).str;
+  EXPECT_EQ(STRING("abc").str, buffer);
+}
+
+TEST(String, BehavesAsStdStringDoes) {
+  std::mt19937 random(20261124);
+  const auto below = [&](std::size_t n) { return static_cast<std::size_t>(random() % n); };
+  const auto any_text = [&] {
+    static const std::size_t lengths[] = {0, 1, 2, 5, 30, 255, 508, 509, 510, 511, 700};
+    std::string text(lengths[below(std::size(lengths))], ' ');
+    for (char& c : text) c = static_cast<char>(below(4) == 0 ? 1 + below(255) : 'a' + below(2));
+    return text;
+  };
+  STRING s, other;
+  std::string model, other_model;
+  for (int step = 0; step < 20000; ++step) {
+    if (model.size() > 3000) s = "", model = "";
+    other = (other_model = any_text()).c_str();
+    const char c = static_cast<char>(below(8) == 0 ? 0 : 1 + below(255));
+    const std::string added(c == '\0' ? 0 : 1, c);
+    const std::size_t tail = below(model.size() + 1);
+    switch (below(9)) {
+    case 0: s = other, model = other_model; break;
+    case 1: s = c, model = added; break;
+    case 2: s = s.str + tail, model = model.substr(tail); break;
+    case 3: s += s.str + tail, model += model.substr(tail); break;
+    case 4: s += c, model += added; break;
+    case 5: s += s, model += model; break;
+    case 6: s = s + other + s.str + c, model = model + other_model + model + added; break;
+    case 7: s = "(" + (c + other) + s, model = "(" + added + other_model + model; break;
+    default: s = STRING(s), s = s; // NOLINT
+    }
+    ASSERT_EQ(s.str, model) << step;
+    const auto offset = [&](char const* found) { return found ? static_cast<std::size_t>(found - s.str) : model.npos; };
+    const std::string part = model.substr(model.size() / 2, below(4));
+    ASSERT_EQ(offset(s.locate(c)), c == '\0' ? model.size() : model.find(c));
+    ASSERT_EQ(offset(s.locate(part.c_str())), model.find(part));
+    ASSERT_EQ(offset(s.locate(STRING("ab"))), model.find("ab"));
+    const int order = model.compare(other_model);
+    ASSERT_TRUE((s == other) == (order == 0) && (s == other.str) == (order == 0));
+    ASSERT_TRUE(((s != other) < 0) == (order < 0) && ((s != other.str) > 0) == (order > 0));
+    ASSERT_TRUE((s < other) == (order < 0) && (s < other.str) == (order < 0));
+    ASSERT_TRUE((s > other) == (order > 0) && (s > other.str) == (order > 0));
+    const int n = static_cast<int>(below(6)) - 1;
+    const int head = n <= 0 ? 0 : std::strncmp(model.c_str(), other_model.c_str(), static_cast<std::size_t>(n));
+    ASSERT_TRUE((strn_cmp(s, other, n) < 0) == (head < 0) && (strn_cmp(s, other.str, n) > 0) == (head > 0));
+    ASSERT_EQ(strn_cmp(s.str, other, n) == 0, head == 0);
+  }
+}
+
+TEST(String, KeepsItsFlagToItself) {
+  STRING failed("abc");
+  failed.success = false;
+  EXPECT_FALSE(failed.ok);
+  STRING copy(failed);
+  EXPECT_TRUE(copy.ok);
+  EXPECT_EQ(&copy.ok, &copy.success);
+  failed = "def", failed = copy, failed = 'c', failed += "g";
+  EXPECT_FALSE(failed.ok);
+  EXPECT_STREQ(STRING::EMPTY.str, "");
+}
+
+TEST(String, ReadsNumbersAtItsStart) {
+  const struct {
+    char const* text;
+    int integer;
+    double real;
+  } cases[] = {
+      {" 42abc", 42, 42},
+      {"abc", 0, 0},
+      {"-7", -7, -7},
+      {"\t\n\v\f\r +8", 8, 8},
+      {"- 7", 0, 0},
+      {"+-7", 0, 0},
+      {"", 0, 0},
+      {"0012", 12, 12},
+      {"1.5d3", 1, 1500},
+      {"2D-1", 2, 0.2},
+      {"2.5E2", 2, 250},
+      {"2.d-1", 2, 0.2},
+      {"7e", 7, 7},
+      {".5", 0, 0.5},
+      {"d5", 0, 0},
+      {"2147483647", INT_MAX, 2147483647.0},
+      {"2147483648", INT_MAX, 2147483648.0},
+      {"-2147483648", INT_MIN, -2147483648.0},
+      {"-2147483649", INT_MIN, -2147483649.0},
+      {"99999999999999999999", INT_MAX, 1e20},
+      {"-99999999999999999999", INT_MIN, -1e20},
+  };
+  for (auto const& c : cases) {
+    const STRING s(c.text);
+    EXPECT_EQ(s.to_int(), c.integer) << c.text;
+    EXPECT_DOUBLE_EQ(s.to_double(), c.real) << c.text;
+    EXPECT_STREQ(s.str, c.text);
+  }
+}
+
+TEST(String, KeepsItsTextWhenMemoryFails) {
+  const std::string before = text_of(700), more = text_of(800);
+  const STRING other(more.c_str());
+  const std::string record = std::string("\x20\x03\0\0", 4) + more;
+  const std::function<void(STRING&)> actions[] = {
+      [&](STRING& s) { s = more.c_str(); },
+      [&](STRING& s) { s = other; },
+      [&](STRING& s) { s += other; },
+      [&](STRING& s) { s += more.c_str(); },
+      [&](STRING& s) { s += 'c'; },
+      [&](STRING& s) { s = s + other + more.c_str() + 'c'; },
+      [&](STRING& s) { s = "abc" + s; },
+      [&](STRING& s) { STRING t(s), u(more.c_str()); },
+      [&](STRING& s) {
+        std::istringstream is(record);
+        read(is, s);
+      },
+      [&](STRING& s) { s.to_double(); },
+  };
+  for (auto const& action : actions) {
+    int n = 1;
+    for (bool thrown = true; thrown; ++n) {
+      STRING s(before.c_str());
+      drain_pool();
+      thrown = throws_at_allocation(n, [&] { action(s); });
+      EXPECT_TRUE(!thrown || s.str == before) << &action - actions << " at " << n;
+      s += "still usable";
+    }
+    EXPECT_GT(n, 2);
+  }
+}
+
+TEST(String, ReadsAndWritesBinaryRecords) {
+  std::stringstream stream;
+  write(stream, "hi");
+  write(stream, "");
+  EXPECT_EQ(stream.str(), std::string("\2\0\0\0hi\0\0\0\0", 10));
+  STRING s;
+  read(stream, s);
+  EXPECT_STREQ(s.str, "hi");
+  read(stream, s);
+  EXPECT_STREQ(s.str, "");
+
+  const struct {
+    std::string record;
+    char const* text;
+  } broken[] = {
+      {std::string("\5\0\0\0ab", 6), "ab"},
+      {std::string("\0\20\0\0abc", 7), "abc"},
+      {std::string("\xff\xff\xff\xff"
+                   "abc",
+                   7),
+       ""},
+      {std::string("\2\0", 2), ""},
+      {"", ""},
+      {std::string("\3\0\0\0a\0b", 7), "a"},
+  };
+  for (auto const& c : broken) {
+    for (const bool throwing : {false, true}) {
+      std::istringstream is(c.record);
+      if (throwing) is.exceptions(std::ios_base::failbit);
+      s = "before";
+      try {
+        read(is, s);
+        EXPECT_STREQ(s.str, c.text);
+      } catch (std::ios_base::failure const&) {
+        EXPECT_TRUE(s == c.text || s == "before") << s.str;
+      }
+    }
+  }
+  std::ostringstream os;
+  os << std::setfill('.') << std::setw(5) << STRING("abc") << '|' << STRING();
+  EXPECT_EQ(os.str(), "..abc|");
+}
+
+} // namespace

@@ -14,6 +14,7 @@
 
 namespace {
 
+using std::string_literals::operator""s;
 using SIZES = std::vector<std::size_t>;
 
 void drain_pool() {
@@ -41,7 +42,7 @@ TEST(Pool, HandsOutTheLastBufferReturnedAndFreesTheOneTooMany) {
 
 TEST(Pool, AsksNewForTheSizesThatItsRulesGive) {
   const std::string s508 = text_of(508), s509 = text_of(509), s600 = text_of(600);
-  std::istringstream record(std::string("\x58\x02\0\0", 4) + s600);
+  std::istringstream record("\x58\x02\0\0"s + s600);
   STRING target("abc"), longer(s600.c_str());
   const struct {
     std::function<void()> action;
@@ -108,10 +109,15 @@ TEST(String, BehavesAsStdStringDoes) {
     case 5: s += s, model += model; break;
     case 6: s = s + other + s.str + c, model = model + other_model + model + added; break;
     case 7: s = "(" + (c + other) + s, model = "(" + added + other_model + model; break;
-    default: s = STRING(s), s = s; // NOLINT
+    default: {
+      STRING const copy(s), &same = s;
+      s = copy, s = same, s = s.str;
+    }
     }
     ASSERT_EQ(s.str, model) << step;
-    const auto offset = [&](char const* found) { return found ? static_cast<std::size_t>(found - s.str) : model.npos; };
+    const auto offset = [&](char const* found) {
+      return found ? static_cast<std::size_t>(found - s.str) : std::string::npos;
+    };
     const std::string part = model.substr(model.size() / 2, below(4));
     ASSERT_EQ(offset(s.locate(c)), c == '\0' ? model.size() : model.find(c));
     ASSERT_EQ(offset(s.locate(part.c_str())), model.find(part));
@@ -179,7 +185,7 @@ TEST(String, ReadsNumbersAtItsStart) {
 TEST(String, KeepsItsTextWhenMemoryFails) {
   const std::string before = text_of(700), more = text_of(800);
   const STRING other(more.c_str());
-  const std::string record = std::string("\x20\x03\0\0", 4) + more;
+  const std::string record = "\x20\x03\0\0"s + more;
   const std::function<void(STRING&)> actions[] = {
       [&](STRING& s) { s = more.c_str(); },
       [&](STRING& s) { s = other; },
@@ -212,7 +218,7 @@ TEST(String, ReadsAndWritesBinaryRecords) {
   std::stringstream stream;
   write(stream, "hi");
   write(stream, "");
-  EXPECT_EQ(stream.str(), std::string("\2\0\0\0hi\0\0\0\0", 10));
+  EXPECT_EQ(stream.str(), "\2\0\0\0hi\0\0\0\0"s);
   STRING s;
   read(stream, s);
   EXPECT_STREQ(s.str, "hi");
@@ -223,15 +229,15 @@ TEST(String, ReadsAndWritesBinaryRecords) {
     std::string record;
     char const* text;
   } broken[] = {
-      {std::string("\5\0\0\0ab", 6), "ab"},
-      {std::string("\0\20\0\0abc", 7), "abc"},
+      {"\5\0\0\0ab"s, "ab"},
+      {"\0\20\0\0abc"s, "abc"},
       {std::string("\xff\xff\xff\xff"
                    "abc",
                    7),
        ""},
-      {std::string("\2\0", 2), ""},
+      {"\2\0"s, ""},
       {"", ""},
-      {std::string("\3\0\0\0a\0b", 7), "a"},
+      {"\3\0\0\0a\0b"s, "a"},
   };
   for (auto const& c : broken) {
     for (const bool throwing : {false, true}) {

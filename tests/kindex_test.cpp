@@ -6,6 +6,7 @@
 #include "tests/Scratch_directory.h"
 
 namespace fs = std::filesystem;
+using std::string_literals::operator""s;
 
 namespace {
 
@@ -67,7 +68,7 @@ TEST(Kindex, TakesEveryByte) {
     expected += "\\indexletter{" + heading + "}\n\\indexitem{" + byte + "}{1 }\n";
   }
   EXPECT_EQ(kindex_on(entries).index, expected);
-  const RUN run = kindex_on(std::string("{a\0b*}{2}\n{a\0c}{3}\n", 21));
+  const RUN run = kindex_on("{a\0b*}{2}\n{a\0c}{3}\n"s);
   EXPECT_EQ(run.index, "\\indexletter{A}\n\\indexitem{a}{2 3 }\n");
 }
 

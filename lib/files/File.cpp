@@ -27,8 +27,8 @@ void ASCII_FILE::open(char const* path, int open_mode) {
   open_stream(path == nullptr ? "" : path, mode);
 }
 
-void ASCII_FILE::open_stream(char const* path, int open_mode) {
-  std::fstream::open(path, static_cast<ios_base::openmode>(open_mode));
+void ASCII_FILE::open_stream(char const* path, int flags) {
+  std::fstream::open(path, static_cast<ios_base::openmode>(flags));
   success = !fail();
   file_name = path;
   set_position();

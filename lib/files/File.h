@@ -57,16 +57,16 @@ public:
   ASCII_FILE();
 
   /// Opens the file; `success` and the stream state tell whether that went well.
-  ASCII_FILE(char const* file_name, int mode);
+  ASCII_FILE(char const* path, int open_mode);
 
   ASCII_FILE(ASCII_FILE const&) = delete;
   ASCII_FILE& operator=(ASCII_FILE const&) = delete;
 
   /// Writes out what is pending, closes the file and deletes its included file.
-  virtual ~ASCII_FILE();
+  ~ASCII_FILE() override;
 
   /// Opens the file; `success` tells the outcome. Fails while a file is open, which then stays open under the new name.
-  void open(char const* file_name, int mode);
+  void open(char const* path, int open_mode);
 
   /// Ends the use of the file; includes and macros remain. Without an open file the stream gets the fail state.
   void close();
@@ -103,5 +103,5 @@ public:
   void read_spaces();
 
 private:
-  void open_stream(char const* path, int open_mode);
+  void open_stream(char const* path, int flags);
 };

@@ -99,7 +99,7 @@ STRING& STRING::operator=(char const* s) {
 }
 
 STRING& STRING::operator=(STRING const& s) {
-  if (s.str != str) replace(*this, s.str);
+  if (this != &s) replace(*this, s.str);
   return *this;
 }
 

@@ -182,6 +182,22 @@ TEST(String, ReadsNumbersAtItsStart) {
   }
 }
 
+TEST(String, IsMadeFromNumbers) {
+  for (const int n : {0, 42, -42, 7, -10, INT_MAX, INT_MIN}) EXPECT_EQ(itoa(n).str, std::to_string(n));
+  EXPECT_STREQ(ftoa(2.5).str, "2.500000");
+  EXPECT_STREQ(ftoa(-0.0).str, "-0.000000");
+  EXPECT_STREQ(ftoa(1e43).str, "10000000000000000139372116959414099130712064.00000");
+  EXPECT_STREQ(ftoa(-1e300).str, "-1000000000000000052504760255204420248704468581108");
+  EXPECT_STREQ(dtoa(1.0 / 3, "%.60f").str, "0.333333333333333314829616256247390992939472198486");
+  EXPECT_EQ(dtoa(2, "%100000.1f").str, std::string(50, ' '));
+  EXPECT_STREQ(dtoa(1234.5, "<%-9.1e>").str, "<1.2e+03  >");
+  int here = 0;
+  std::ostringstream address;
+  address << static_cast<void*>(&here);
+  EXPECT_EQ(ptoa(&here).str, address.str());
+  EXPECT_STREQ(ptoa(nullptr).str, "(nil)");
+}
+
 TEST(String, KeepsItsTextWhenMemoryFails) {
   const std::string before = text_of(700), more = text_of(800);
   const STRING other(more.c_str());

@@ -38,7 +38,7 @@ std::string with_sort(std::string const& script) {
 
 TEST(Kindex, WritesTheIndexOfEachCase) {
   const SCRATCH_DIRECTORY scratch;
-  std::ifstream cases(SOURCE_DIR "/tests/kindex_cases.txt");
+  std::ifstream cases(TEST_DATA "/kindex_cases.txt");
   std::string title, entries, expected, line;
   int count = 0;
   for (std::string* part = &title; part != nullptr;) {

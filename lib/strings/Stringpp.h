@@ -114,3 +114,15 @@ void write(std::ostream& os, STRING const& s);
 /// Reads one binary record into s. A missing or negative length gives the empty text, a stream that ends early the
 /// bytes that came; the stream's state tells.
 void read(std::istream& is, STRING& s);
+
+/// n in decimal, '-' in front of a negative value.
+STRING itoa(int n);
+
+/// x as printf writes it by `format`, at most the first 50 characters. REQUIRES: `format` takes exactly one `double`.
+STRING dtoa(double x, char const* format);
+
+/// x with six decimals, as "%f" writes it, at most the first 50 characters.
+STRING ftoa(double x);
+
+/// The address as "%p" writes it.
+STRING ptoa(void* p);

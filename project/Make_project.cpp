@@ -1,0 +1,300 @@
+#include "project/Make_project.h"
+
+#include <fstream>
+#include <iostream>
+#include <span>
+#include <string_view>
+#include <unordered_set>
+
+#include "project/Elements.h"
+
+namespace {
+
+// The make file as it is written. What stands between « and » is filled in for each target; «» stands for nothing and
+// keeps the blank that ends a line in sight.
+
+constexpr std::string_view preamble = R"(INCDIR := all_includes
+# Test if KMAKE_SCRATCH_DIR is defined. If yes, relocate the object dir to it (usually to a local disk). Ask PLW for more infos
+ifneq ($(KMAKE_SCRATCH_DIR),"")
+  OBJDIR := $(KMAKE_SCRATCH_DIR)/$(shell basename `pwd`)_$(DBG)$(K7MACHINE)
+else
+  OBJDIR := o_$(DBG)$(K7MACHINE)
+endif
+
+DBG = «»
+STD_GCC_OPTS = «»
+CC = $(shell $(K7PATH)/sbin/Kcxx)
+CFLAGS = -I${INCDIR} $(shell $(K7PATH)/sbin/kavo_m_type -cflags)
+LDFLAGS = -Wall -lm -lpthread  -lrt -ldl -rdynamic
+
+# this first explicit target allows to post-pone the real targets at the end of the makefile
+all : report_at_end
+
+#
+# You should usually not edit anything below
+#
+
+# update kBase/KsetCompiInfo.c if needed
+dummy := $(shell ${K7PATH}/sbin/Kmake_date_file)
+
+# this function search for a given file ($2) into a given directory list($1)
+pathsearch = $(firstword $(wildcard $(addsuffix /$(2),$(subst :, ,$(1)))))
+
+#
+# Implicit rules
+#
+
+# How to compile a .o file from a .c file
+$(OBJDIR)/%.o : %.c
+	$(CC) -c $(CFLAGS) $< -o $@
+
+# How to compile a .o file from a .k file
+$(OBJDIR)/%.o : %.k
+	@echo Running KavFront on $<
+	KavFront $< -o $*.c
+	$(CC) -c $(CFLAGS) $< -o $@
+	if [ -f $*.c ] ; then rm -f $*.c ; fi
+
+# How to build the dependencies
+$(OBJDIR)/%.d: %.c
+	@echo Computing dependency graph for $<
+	@rm -f $@
+	@$(CC) $(INC_ALL_DIRS) -MM $(CFLAGS) $< > $@.new
+	@sed 's,\($*\)\.o[ :]*,$(OBJDIR)/\1.o $@ : ,g' < $@.new > $@
+	@rm -f $@.new
+
+# Declare some fake targets to create directories (GNU make pre-requisities sometimes fail)
+$(OBJDIR)/.exists :
+	@echo Creating directory $(OBJDIR)
+	@mkdir -p $(OBJDIR)
+	@touch $@
+
+make_obj_dir : $(OBJDIR)/.exists
+
+$(INCDIR)/.exists :
+	@echo Creating directory $(INCDIR)
+	@mkdir -p $(INCDIR)
+	@touch $@
+
+make_inc_dir : $(INCDIR)/.exists
+
+make_all_dirs : make_inc_dir make_obj_dir
+
+# A make subprogram to build includes targets
+#   it generates on the fly (see the call below) a tuned implicit rule
+#   one cannot use directly a single implicit rule, because an implicit rule is analysed after all make function/routine evaluation
+define Check_include =
+$(INCDIR)/$(notdir $(1)) : $(call pathsearch,$(wildcard k*),$(notdir $(1)))
+#	@echo Making $$@ from $$<
+	@cp -v -f $$< $$@
+endef
+
+)";
+
+// «gap» and «library note» tell the two kinds of block apart.
+constexpr std::string_view block = R"(#
+# Definition of target «name»
+#
+dirs«i» := «dirs»
+
+# VPATH =$(subst ,:,$(dirs«i»)«gap»)
+
+h_files«i» := $(foreach ddir,$(dirs«i»),$(wildcard $(ddir)/*.h))
+c_files«i» := $(foreach ddir,$(dirs«i»),$(wildcard $(ddir)/*.c))
+OBJS«i» := $(addprefix $(OBJDIR)/, $(patsubst %.c,%.o, $(notdir $(c_files«i»)) )  )
+HFIL«i» := $(addprefix $(INCDIR)/, $(notdir $(h_files«i»)) )
+DEPS«i» := $(addprefix $(OBJDIR)/, $(patsubst %.c,%.d, $(notdir $(c_files«i»)) )  )
+
+# Add all include targets: when $(INCDIR)/toto.h is out-of-date regarding the real toto.h, update it
+«library note»$(foreach hfile,$(h_files«i»),$(eval $(call Check_include,$(hfile))))
+
+# Make sure $(OBJDIR) exists
+# Dont use GNU make pre-resuisities as it fails sometimes
+# $(OBJS«i») $(DEPS«i») : | $(OBJDIR)
+
+
+
+)";
+
+constexpr std::string_view library_note =
+    R"(#   a single global implicit rule is not convenient as it is analysed after all make function/routines
+)";
+
+constexpr std::string_view trailer = R"(#
+# targets
+#
+
+# tell make where to search for prerequisites (eg all .c .k files), in addition of fully qualified names
+VPATH = $(subst ,:, «all dirs»)
+
+# build a global var which contains all k* directories (necessary to compute the graph dependency the first time)
+INC_ALL_DIRS = $(foreach ddir,«all dirs»,-I$(ddir))
+
+report_at_end : make_all_dirs «last target»
+
+«rules»#
+# include all deps
+#
+«dependencies»
+$(OBJDIR):
+	@echo Creating $(OBJDIR)
+	mkdir $(OBJDIR)
+
+)";
+
+constexpr std::string_view library_rule =
+    R"(# this target depends on $(INCDIR)/*.h : those files will be updated if k*/*.h files changed
+«target» : $(HFIL«i») $(DEPS«i») $(OBJS«i»)
+	Klink «install»$(KlinkFlag) $(KlinkFlag2) -o «output» $(OBJS«i»)
+
+
+)";
+
+constexpr std::string_view executable_rule = R"(«target» : $(HFIL«i») «libraries» $(DEPS«i») $(OBJS«i») «»
+	$(CC) -L${K7PATH}/PUBLIC/lib-${K7MACHINE} -I${K7PATH}/include $(BFLAGS) -o «name»_$(K7MACHINE) $(OBJS«i») «link options»
+
+)";
+
+constexpr std::string_view all_dirs_entry = "$(dirs«i») ";
+constexpr std::string_view dependencies_entry = "-include $(DEPS«i»)\n";
+
+constexpr std::string_view library_in_place = "lib$(DBG)«name».so";
+constexpr std::string_view library_in_public_tree = "$(K7PATH)/PUBLIC/$(DBG)lib-$(K7MACHINE)/lib«name».so";
+constexpr std::string_view library_output_for_public_tree = "lib«name».so";
+constexpr std::string_view executable_file = "«name»_$(DBG)$(K7MACHINE)";
+
+constexpr std::string_view public_tree_option = " -L$(K7PATH)/$(DBG)lib-$(K7MACHINE) ";
+constexpr std::string_view link_from_public_tree = "-l«name» ";
+constexpr std::string_view link_in_place = "-l$(DBG)«name» ";
+
+/// Writes `text`, calling `fill_in` to write in place of each «...» what stands in it.
+template <class FILL_IN>
+void write_filled(std::ostream& out, std::string_view text, FILL_IN fill_in) {
+  constexpr std::string_view opening = "«", closing = "»";
+  for (std::size_t at = 0; (at = text.find(opening)) != std::string_view::npos;) {
+    out << text.substr(0, at);
+    text.remove_prefix(at + opening.size());
+    const std::size_t length = text.find(closing);
+    if (length > 0) fill_in(text.substr(0, length));
+    text.remove_prefix(length + closing.size());
+  }
+  out << text;
+}
+
+class MAKE_FILE_WRITER {
+public:
+  MAKE_FILE_WRITER(MAKE_PROJECT const& project, std::ostream& stream)
+      : out(stream), install_public(project.install_public), libraries(elements(project.libs)),
+        executables(elements(project.targets)) {
+    for (MAKE_LIB const* library : libraries) library_names.insert(library->name.str);
+  }
+
+  void write() {
+    write_filled(out, preamble, [](std::string_view) {});
+    int index = 0;
+    for (MAKE_LIB const* library : libraries) {
+      std::cout << "Lib " << library->name << std::endl;
+      write_block(index++, library->name, library->dirs, true);
+    }
+    for (MAKE_TARGET const* executable : executables) {
+      std::cout << "Target " << executable->name << std::endl;
+      write_block(index++, executable->name, executable->dirs, false);
+    }
+    write_trailer();
+  }
+
+private:
+  std::ostream& out;
+  const bool install_public;
+  const std::span<MAKE_LIB*> libraries;
+  const std::span<MAKE_TARGET*> executables;
+  std::unordered_set<std::string_view> library_names;
+
+  bool is_library(STRING const& directory) const { return library_names.contains(directory.str); }
+
+  void write_indexed(std::string_view text, int index) {
+    write_filled(out, text, [&](std::string_view) { out << index; });
+  }
+
+  void write_named(std::string_view text, STRING const& name) {
+    write_filled(out, text, [&](std::string_view) { out << name; });
+  }
+
+  void write_block(int index, STRING const& name, LIST<STRING> const& dirs, bool for_library) {
+    write_filled(out, block, [&](std::string_view what) {
+      if (what == "i") out << index;
+      if (what == "name") out << name;
+      if (what == "gap" && !for_library) out << ' ';
+      if (what == "library note" && for_library) out << library_note;
+      if (what == "dirs") {
+        for (STRING const& directory : dirs) {
+          if (for_library || !is_library(directory)) out << directory << ' ';
+        }
+      }
+    });
+  }
+
+  void write_trailer() {
+    const int count = static_cast<int>(libraries.size() + executables.size());
+    write_filled(out, trailer, [&](std::string_view what) {
+      if (what == "last target") write_last_target();
+      if (what == "rules") write_rules();
+      for (int i = 0; i < count; ++i) {
+        if (what == "all dirs") write_indexed(all_dirs_entry, i);
+        if (what == "dependencies") write_indexed(dependencies_entry, i);
+      }
+    });
+  }
+
+  void write_last_target() {
+    if (!executables.empty()) {
+      write_named(executable_file, executables.back()->name);
+    } else if (!libraries.empty()) {
+      write_library_file(libraries.back()->name);
+    }
+  }
+
+  /// The rules, the last target's first.
+  void write_rules() {
+    int index = static_cast<int>(libraries.size() + executables.size());
+    for (auto i = executables.size(); i > 0; --i) write_executable_rule(--index, *executables[i - 1]);
+    for (auto i = libraries.size(); i > 0; --i) write_library_rule(--index, libraries[i - 1]->name);
+  }
+
+  void write_library_file(STRING const& name) {
+    write_named(install_public ? library_in_public_tree : library_in_place, name);
+  }
+
+  void write_library_rule(int index, STRING const& name) {
+    write_filled(out, library_rule, [&](std::string_view what) {
+      if (what == "i") out << index;
+      if (what == "target") write_library_file(name);
+      if (what == "install" && install_public) out << "-inst ";
+      if (what == "output") write_named(install_public ? library_output_for_public_tree : library_in_place, name);
+    });
+  }
+
+  void write_executable_rule(int index, MAKE_TARGET const& executable) {
+    write_filled(out, executable_rule, [&](std::string_view what) {
+      if (what == "i") out << index;
+      if (what == "name") out << executable.name;
+      if (what == "target") write_named(executable_file, executable.name);
+      if (what == "link options" && install_public) out << public_tree_option;
+      for (STRING const& directory : executable.dirs) {
+        if (!is_library(directory)) continue;
+        if (what == "libraries") write_library_file(directory), out << ' ';
+        if (what == "link options") write_named(install_public ? link_from_public_tree : link_in_place, directory);
+      }
+    });
+  }
+};
+
+} // namespace
+
+void MAKE_PROJECT::splash() { create_project_file(); }
+
+void MAKE_PROJECT::create_project_file() {
+  if (file_name == "") file_name = "kmakefile";
+  std::ofstream out(file_name.str);
+  MAKE_FILE_WRITER(*this, out).write();
+}

@@ -1,0 +1,3 @@
+#include <base.h>
+
+int square(int side) { return side * side; }

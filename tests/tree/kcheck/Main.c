@@ -1,0 +1,3 @@
+#include <base.h>
+
+int main(void) { return square(2) != 4; }

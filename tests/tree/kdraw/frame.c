@@ -1,0 +1,3 @@
+#include <frame.h>
+
+const char* frame_name(void) { return "frame"; }

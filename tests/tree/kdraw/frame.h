@@ -1,0 +1,1 @@
+const char* frame_name(void);

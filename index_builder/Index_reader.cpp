@@ -32,6 +32,7 @@ public:
 template <class TAKE>
 void read_while(std::fstream& in, TAKE take) {
   using std::ios_base;
+  ios_base::iostate state = ios_base::failbit;
   try {
     std::streambuf& buffer = *in.rdbuf();
     while (in.good() && buffer.sgetc() != std::char_traits<char>::eof()) {
@@ -41,10 +42,11 @@ void read_while(std::fstream& in, TAKE take) {
       READY::drop(buffer, refused - ready.begin() + (finished ? 1 : 0));
       if (finished) return;
     }
-    in.setstate(ios_base::eofbit | ios_base::failbit);
+    if (in.good()) state |= ios_base::eofbit;
   } catch (ios_base::failure const&) { // a directory, for one, opens but cannot be read
-    in.setstate(ios_base::badbit | ios_base::failbit);
+    state |= ios_base::badbit;
   }
+  in.setstate(state);
 }
 
 void report_cut() {

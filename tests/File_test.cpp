@@ -129,6 +129,9 @@ TEST(File, RefusesToOpenTwiceAndToCloseNothing) {
   EXPECT_TRUE(f.fail() && !f.ok && f.is_open() && f.name == "b");
   f.rewind();
   EXPECT_EQ(f.get(), '2');
+  f.open("new", 48);
+  f.rewind();
+  EXPECT_TRUE(f.good() && f.ok && std::filesystem::exists("new"));
   f.close();
   EXPECT_TRUE(!f.ok && !f.fail() && f.def_keys.size == 1);
   f.close();

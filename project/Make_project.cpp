@@ -1,12 +1,13 @@
 #include "project/Make_project.h"
 
-#include <fstream>
 #include <iostream>
 #include <span>
 #include <string_view>
 #include <unordered_set>
+#include <vector>
 
 #include "project/Elements.h"
+#include "project/Text_writer.h"
 
 namespace {
 
@@ -151,7 +152,7 @@ constexpr std::string_view library_rule =
 )";
 
 constexpr std::string_view executable_rule = R"(«target» : $(HFIL«i») «libraries» $(DEPS«i») $(OBJS«i») «»
-	$(CC) -L${K7PATH}/PUBLIC/lib-${K7MACHINE} -I${K7PATH}/include $(BFLAGS) -o «name»_$(K7MACHINE) $(OBJS«i») «link options»
+	$(CC) -L${K7PATH}/PUBLIC/lib-${K7MACHINE} -I${K7PATH}/include $(BFLAGS) -o «name»_$(K7MACHINE) $(OBJS«i») «public tree»«links»
 
 )";
 
@@ -167,30 +168,48 @@ constexpr std::string_view public_tree_option = " -L$(K7PATH)/$(DBG)lib-$(K7MACH
 constexpr std::string_view link_from_public_tree = "-l«name» ";
 constexpr std::string_view link_in_place = "-l$(DBG)«name» ";
 
-/// Writes `text`, calling `fill_in` to write in place of each «...» what stands in it.
-template <class FILL_IN>
-void write_filled(std::ostream& out, std::string_view text, FILL_IN fill_in) {
-  constexpr std::string_view opening = "«", closing = "»";
-  for (std::size_t at = 0; (at = text.find(opening)) != std::string_view::npos;) {
-    out << text.substr(0, at);
-    text.remove_prefix(at + opening.size());
-    const std::size_t length = text.find(closing);
-    if (length > 0) fill_in(text.substr(0, length));
-    text.remove_prefix(length + closing.size());
+/// One of the texts above, taken apart: each piece is a text and the name of what is filled in behind it.
+class TEMPLATE {
+public:
+  explicit TEMPLATE(std::string_view text) {
+    constexpr std::string_view opening = "«", closing = "»";
+    for (std::size_t at = 0; (at = text.find(opening)) != std::string_view::npos;) {
+      const std::size_t name = at + opening.size(), end = text.find(closing);
+      pieces.push_back({text.substr(0, at), text.substr(name, end - name)});
+      text.remove_prefix(end + closing.size());
+    }
+    rest = text;
   }
-  out << text;
-}
+
+  /// Writes the text, calling `fill_in` with each name in it to write what stands there.
+  template <class FILL_IN>
+  void write(TEXT_WRITER& out, FILL_IN fill_in) const {
+    for (PIECE const& piece : pieces) {
+      out << piece.text;
+      fill_in(piece.name);
+    }
+    out << rest;
+  }
+
+private:
+  struct PIECE {
+    std::string_view text, name;
+  };
+
+  std::vector<PIECE> pieces;
+  std::string_view rest;
+};
 
 class MAKE_FILE_WRITER {
 public:
-  MAKE_FILE_WRITER(MAKE_PROJECT const& project, std::ostream& stream)
-      : out(stream), install_public(project.install_public), libraries(elements(project.libs)),
+  MAKE_FILE_WRITER(MAKE_PROJECT const& project, TEXT_WRITER& file)
+      : out(file), install_public(project.install_public), libraries(elements(project.libs)),
         executables(elements(project.targets)) {
     for (MAKE_LIB const* library : libraries) library_names.insert(library->name.str);
   }
 
   void write() {
-    write_filled(out, preamble, [](std::string_view) {});
+    TEMPLATE(preamble).write(out, [](std::string_view) {});
     int index = 0;
     for (MAKE_LIB const* library : libraries) {
       std::cout << "Lib " << library->name << std::endl;
@@ -204,29 +223,48 @@ public:
   }
 
 private:
-  std::ostream& out;
+  TEXT_WRITER& out;
   const bool install_public;
   const std::span<MAKE_LIB*> libraries;
   const std::span<MAKE_TARGET*> executables;
   std::unordered_set<std::string_view> library_names;
 
+  const TEMPLATE block_text{block};
+  const TEMPLATE library_rule_text{library_rule};
+  const TEMPLATE executable_rule_text{executable_rule};
+  const TEMPLATE executable_file_text{executable_file};
+  const TEMPLATE library_file_text{install_public ? library_in_public_tree : library_in_place};
+  const TEMPLATE library_output_text{install_public ? library_output_for_public_tree : library_in_place};
+  const TEMPLATE link_option_text{install_public ? link_from_public_tree : link_in_place};
+
   bool is_library(STRING const& directory) const { return library_names.contains(directory.str); }
 
-  void write_indexed(std::string_view text, int index) {
-    write_filled(out, text, [&](std::string_view) { out << index; });
+  std::vector<STRING const*> libraries_of(MAKE_TARGET const& executable) const {
+    std::vector<STRING const*> names;
+    for (STRING const& directory : executable.dirs) {
+      if (is_library(directory)) names.push_back(&directory);
+    }
+    return names;
   }
 
-  void write_named(std::string_view text, STRING const& name) {
-    write_filled(out, text, [&](std::string_view) { out << name; });
+  /// Writes a text with one thing to fill in, a name or an index.
+  template <class VALUE>
+  void write_with(TEMPLATE const& text, VALUE const& value) {
+    text.write(out, [&](std::string_view) { out << value; });
   }
 
   void write_block(int index, STRING const& name, LIST<STRING> const& dirs, bool for_library) {
-    write_filled(out, block, [&](std::string_view what) {
-      if (what == "i") out << index;
-      if (what == "name") out << name;
-      if (what == "gap" && !for_library) out << ' ';
-      if (what == "library note" && for_library) out << library_note;
-      if (what == "dirs") {
+    for (STRING const& directory : dirs) fetch_early(directory);
+    block_text.write(out, [&](std::string_view what) {
+      if (what == "i") {
+        out << index;
+      } else if (what == "name") {
+        out << name;
+      } else if (what == "gap" && !for_library) {
+        out << ' ';
+      } else if (what == "library note" && for_library) {
+        out << library_note;
+      } else if (what == "dirs") {
         for (STRING const& directory : dirs) {
           if (for_library || !is_library(directory)) out << directory << ' ';
         }
@@ -235,22 +273,25 @@ private:
   }
 
   void write_trailer() {
-    const int count = static_cast<int>(libraries.size() + executables.size());
-    write_filled(out, trailer, [&](std::string_view what) {
+    TEMPLATE(trailer).write(out, [&](std::string_view what) {
+      if (what == "all dirs") write_for_each_index(all_dirs_entry);
       if (what == "last target") write_last_target();
       if (what == "rules") write_rules();
-      for (int i = 0; i < count; ++i) {
-        if (what == "all dirs") write_indexed(all_dirs_entry, i);
-        if (what == "dependencies") write_indexed(dependencies_entry, i);
-      }
+      if (what == "dependencies") write_for_each_index(dependencies_entry);
     });
+  }
+
+  void write_for_each_index(std::string_view text) {
+    const TEMPLATE entry(text);
+    const int count = static_cast<int>(libraries.size() + executables.size());
+    for (int i = 0; i < count; ++i) write_with(entry, i);
   }
 
   void write_last_target() {
     if (!executables.empty()) {
-      write_named(executable_file, executables.back()->name);
+      write_with(executable_file_text, executables.back()->name);
     } else if (!libraries.empty()) {
-      write_library_file(libraries.back()->name);
+      write_with(library_file_text, libraries.back()->name);
     }
   }
 
@@ -261,29 +302,30 @@ private:
     for (auto i = libraries.size(); i > 0; --i) write_library_rule(--index, libraries[i - 1]->name);
   }
 
-  void write_library_file(STRING const& name) {
-    write_named(install_public ? library_in_public_tree : library_in_place, name);
-  }
-
   void write_library_rule(int index, STRING const& name) {
-    write_filled(out, library_rule, [&](std::string_view what) {
+    library_rule_text.write(out, [&](std::string_view what) {
       if (what == "i") out << index;
-      if (what == "target") write_library_file(name);
+      if (what == "target") write_with(library_file_text, name);
       if (what == "install" && install_public) out << "-inst ";
-      if (what == "output") write_named(install_public ? library_output_for_public_tree : library_in_place, name);
+      if (what == "output") write_with(library_output_text, name);
     });
   }
 
   void write_executable_rule(int index, MAKE_TARGET const& executable) {
-    write_filled(out, executable_rule, [&](std::string_view what) {
+    const auto linked = libraries_of(executable);
+    executable_rule_text.write(out, [&](std::string_view what) {
       if (what == "i") out << index;
       if (what == "name") out << executable.name;
-      if (what == "target") write_named(executable_file, executable.name);
-      if (what == "link options" && install_public) out << public_tree_option;
-      for (STRING const& directory : executable.dirs) {
-        if (!is_library(directory)) continue;
-        if (what == "libraries") write_library_file(directory), out << ' ';
-        if (what == "link options") write_named(install_public ? link_from_public_tree : link_in_place, directory);
+      if (what == "target") write_with(executable_file_text, executable.name);
+      if (what == "public tree" && install_public) out << public_tree_option;
+      if (what == "libraries") {
+        for (STRING const* library : linked) {
+          write_with(library_file_text, *library);
+          out << ' ';
+        }
+      }
+      if (what == "links") {
+        for (STRING const* library : linked) write_with(link_option_text, *library);
       }
     });
   }
@@ -295,6 +337,6 @@ void MAKE_PROJECT::splash() { create_project_file(); }
 
 void MAKE_PROJECT::create_project_file() {
   if (file_name == "") file_name = "kmakefile";
-  std::ofstream out(file_name.str);
+  TEXT_WRITER out(file_name.str);
   MAKE_FILE_WRITER(*this, out).write();
 }

@@ -32,7 +32,7 @@ auto join(std::size_t length) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-  for (const std::size_t length : {4, 15, 16, 50, 100, 250, 500}) {
+  for (const std::size_t length : {4U, 15U, 16U, 50U, 100U, 250U, 500U}) {
     const std::string title = std::to_string(length) + " characters, ";
     compare(title + "make, copy and drop", make_copy_and_drop<STRING>(length), make_copy_and_drop<std::string>(length));
     compare(title + "join", join<STRING>(length), join<std::string>(length));

@@ -105,7 +105,10 @@ void ECLIPSE_PROJECT::create_project_file() {
   for (SOURCE_DIR const* dir : all_dirs) out << dir->name << '\n';
 
   const auto is_empty = [](SOURCE_DIR const* dir) { return dir->files.size <= 0; };
-  if (std::any_of(all_dirs.begin(), all_dirs.end(), is_empty)) assign(all_files, all_dirs);
+  if (std::any_of(all_dirs.begin(), all_dirs.end(), is_empty)) {
+    out.flush(); // the process may end in there
+    assign(all_files, all_dirs);
+  }
 
   for (SOURCE_DIR* dir : all_dirs) {
     write_refs(out, dir->refs);

@@ -1,6 +1,7 @@
 #include "project/Kdirscanner.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,21 +14,27 @@
 
 namespace {
 
-/// Makes `dir` the working directory for as long as this object lives.
+/// Makes `dir` the working directory for as long as this object lives, unless there would be no way back.
 class WORKING_DIRECTORY {
 public:
-  explicit WORKING_DIRECTORY(char const* dir) : entered(getcwd(before, sizeof before) != nullptr && chdir(dir) == 0) {}
+  explicit WORKING_DIRECTORY(char const* dir) : way_back(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+    const bool saved = getcwd(before, sizeof before) != nullptr && (way_back >= 0 || chdir(before) == 0);
+    entered = saved && chdir(dir) == 0;
+  }
   WORKING_DIRECTORY(WORKING_DIRECTORY const&) = delete;
   WORKING_DIRECTORY& operator=(WORKING_DIRECTORY const&) = delete;
   ~WORKING_DIRECTORY() {
-    if (entered) static_cast<void>(chdir(before) == 0);
+    // The descriptor leads back where the path does not, as when the directory has been renamed.
+    if (entered && (way_back < 0 || fchdir(way_back) != 0)) static_cast<void>(chdir(before) == 0);
+    if (way_back >= 0) close(way_back);
   }
+
+  bool is_entered() const { return entered; }
 
 private:
   char before[2048] = "";
-
-public:
-  const bool entered;
+  int way_back;
+  bool entered = false;
 };
 
 using SUFFIXES = std::span<const std::string_view>;
@@ -124,7 +131,7 @@ void KDIR_SCANNER::do_scan(STRING& dir) {
   const std::unique_ptr<DIR, int (*)(DIR*)> listing(opendir(dir.str), closedir);
   if (listing == nullptr) return;
   const WORKING_DIRECTORY inside(dir.str);
-  if (!inside.entered) return;
+  if (!inside.is_entered()) return;
 
   const SUFFIXES suffixes = suffixes_of(scan_headers, fortran);
   while (dirent* const entry = readdir(listing.get())) {

@@ -6,7 +6,7 @@
 #include "lib/strings/Stringpp.h"
 
 /// The part of the path behind its last '/', as a pointer into it; all of it without a '/'.
-char* basename(char* path) noexcept;
+char* basename(char* path) noexcept; // NOLINT(readability-redundant-declaration)
 
 /// Lists the source or header files of one directory and, for each, the names it includes with angle brackets.
 ///

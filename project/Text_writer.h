@@ -20,7 +20,7 @@ public:
   }
   TEXT_WRITER(TEXT_WRITER const&) = delete;
   TEXT_WRITER& operator=(TEXT_WRITER const&) = delete;
-  ~TEXT_WRITER() { write_block(); }
+  ~TEXT_WRITER() { flush(); }
 
   TEXT_WRITER& operator<<(std::string_view text) {
     make_room(text.size());
@@ -47,17 +47,18 @@ public:
     return *this;
   }
 
+  /// Writes what is gathered so far.
+  void flush() {
+    file.write(block, static_cast<std::streamsize>(used));
+    used = 0;
+  }
+
 private:
   std::ofstream file;
   char block[1 << 16];
   std::size_t used = 0;
 
   void make_room(std::size_t size) {
-    if (size > sizeof block - used) write_block();
-  }
-
-  void write_block() {
-    file.write(block, static_cast<std::streamsize>(used));
-    used = 0;
+    if (size > sizeof block - used) flush();
   }
 };

@@ -4,7 +4,6 @@
 #include <deque>
 #include <map>
 #include <random>
-#include <regex>
 #include <set>
 
 #include "project/Eclipse_project.h"
@@ -26,8 +25,10 @@ std::string expected_make_file(MAKE_MODEL const& model) {
   NAMES lines;
   std::ifstream example(TEST_DATA "/make_example.txt");
   for (std::string line; std::getline(example, line);) lines.push_back(line + '\n');
-  const auto replaced = [](std::string const& text, char const* pattern, std::string const& with) {
-    return std::regex_replace(text, std::regex(pattern), with);
+  const auto replace = [](std::string& text, std::string const& what, std::string const& with) {
+    for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
+      text.replace(at, what.size(), with);
+    }
   };
   const auto lib_file = [&](std::string const& name) {
     return model.install_public ? "$(K7PATH)/PUBLIC/$(DBG)lib-$(K7MACHINE)/lib" + name + ".so"
@@ -53,8 +54,12 @@ std::string expected_make_file(MAKE_MODEL const& model) {
       }
       std::string block;
       for (std::size_t n = is_lib ? 77 : 100; n <= (is_lib ? 99U : 121U); ++n) block += lines[n - 1];
-      block = replaced(block, "(dirs. := )[^\n]*", "$01" + own_dirs);
-      text += replaced(replaced(block, "target k.*", "target " + name), "(dirs|files|OBJS|HFIL|DEPS)[01]", "$01" + i);
+      const std::string example_name = is_lib ? "kutil" : "ktool", example_index = is_lib ? "0" : "1";
+      replace(block, ":= " + example_name + " \n", ":= " + own_dirs + "\n");
+      replace(block, "target " + example_name + "\n", "target " + name + "\n");
+      for (char const* variable : {"dirs", "files", "OBJS", "HFIL", "DEPS"})
+        replace(block, variable + example_index, variable + i);
+      text += block;
       last = is_lib ? lib_file(name) : name + "_$(DBG)$(K7MACHINE)";
       const std::string objects = "$(OBJS" + i + ")", parts = "$(DEPS" + i + ") " + objects;
       rules = (is_lib ? lines[136] + last + " : $(HFIL" + i + ") " + parts + "\n\tKlink " +
@@ -99,8 +104,8 @@ void check_make_file(MAKE_MODEL const& model, char const* file_name) {
   EXPECT_FALSE(project.install_public);
   project.file_name = file_name;
   project.install_public = model.install_public;
-  if (libs.size() > 0) project.libs = &lib_list;
-  if (targets.size() > 0) project.targets = &target_list;
+  if (!libs.empty()) project.libs = &lib_list;
+  if (!targets.empty()) project.targets = &target_list;
   testing::internal::CaptureStdout();
   project.splash();
   EXPECT_EQ(testing::internal::GetCapturedStdout(), progress);
@@ -167,7 +172,7 @@ TEST(EclipseProject, AssignsFilesByTheNamesOfTheirDirectories) {
   NAMED_NODE header;
   header.name = "a.h";
   example.dir_objects[1].refs.add(&example.dir_objects[0]);
-  for (const std::size_t i : {0, 2}) example.file_objects[i].refs.add(&header);
+  for (const std::size_t i : {0U, 2U}) example.file_objects[i].refs.add(&header);
   const std::string text = "2\nkcore\nkapp\n0\n2\na.c\n1\na.h\na.h\n0\n1\nkcore\n1\nmain.c\n1\na.h\n";
   EXPECT_EQ(example.written(), text);
   EXPECT_EQ(example.written(), text); // every directory has files by now
@@ -180,8 +185,8 @@ TEST(EclipseProject, AssignsFilesByTheNamesOfTheirDirectories) {
   doubled.dirs = nullptr, doubled.file_name = "no/directory";
   EXPECT_EQ(doubled.written(), contents("project"));
   ECLIPSE_MODEL unknown({"k"}, {{"a", "k"}, {"b", "K"}});
-  unknown.file_name = "no/directory";
   EXPECT_EXIT(unknown.splash(), testing::ExitedWithCode(1), "^Error, cannot find source dir named: K .for file: b.\n$");
+  EXPECT_EQ(contents("project"), "1\nk\n");
 }
 
 TEST(EclipseProject, WritesAnyProject) {

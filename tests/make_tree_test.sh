@@ -54,13 +54,15 @@ expect_failure() { # MESSAGE ARGUMENT...
   if "$project_files" "$@" > out 2>&1; then expect "$*" failure success; fi
   expect "$*" "$message" "$(head -n 1 out)"
 }
-mkdir -p empty locked/kmakefile locked/klib circle/ka circle/kb
+mkdir -p empty full/k locked/kmakefile locked/klib circle/ka circle/kb
+ln -s /dev/full full/keclipse
 echo '#include <b.h>' > circle/ka/a.h
 echo '#include <a.h>' > circle/kb/b.h
 expect_failure 'project_files: cannot read none: No such file or directory' none
 expect_failure 'project_files: cannot read out: Not a directory' out
 expect_failure 'project_files: no k* directory in empty' empty
-expect_failure 'project_files: cannot write locked/kmakefile' locked
-expect_failure 'usage: project_files [--public] [TREE]' --odd
+expect_failure 'project_files: cannot write locked/kmakefile: not a regular file' locked
+expect_failure 'project_files: cannot take --odd' --odd
+expect_failure 'project_files: cannot write full/keclipse: not a regular file' full
 expect 'help' 'usage: project_files [--public] [TREE]' "$("$project_files" --help | head -n 1)"
 expect 'a circle' 'project_files: these directories need each other: ka kb' "$("$project_files" circle 2>&1 > /dev/null)"

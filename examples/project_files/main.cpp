@@ -75,21 +75,40 @@ std::vector<std::string> k_directories(fs::path const& root) {
   return names;
 }
 
+/// Fails unless the scanner, which tells nothing, could list the directory and read each of its files.
+void check_scanned(fs::path const& path, SCANNED_DIRECTORY const& directory) {
+  std::set<std::string> scanned;
+  for (SCANNED_FILE const& file : directory.files) scanned.insert(file.name);
+  std::error_code error;
+  for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error)) {
+    std::error_code unknown;
+    const std::string name = entry->path().filename().string();
+    const bool plain_source =
+        name.find('.') + 2 == name.size() && std::string("ckh").find(name.back()) != std::string::npos;
+    if (plain_source && !scanned.contains(name)) throw FAILURE{"cannot scan " + path.string()};
+    if (scanned.contains(name) && entry->is_regular_file(unknown) && !std::ifstream(entry->path())) {
+      throw FAILURE{"cannot read " + entry->path().string()};
+    }
+  }
+  if (error) throw FAILURE{"cannot read " + path.string() + ": " + error.message()};
+}
+
 SCANNED_DIRECTORY scan_directory(fs::path const& root, std::string const& name) {
-  STRING path = (root / name).c_str();
-  if (access(path.str, R_OK | X_OK) != 0) throw FAILURE{std::string("cannot read ") + path.str};
+  const fs::path path = root / name;
+  STRING path_text = path.c_str();
   SCANNED_DIRECTORY directory{name, {}, {}};
   KDIR_SCANNER scanner;
   scanner.all_names = true;
   for (const bool headers : {false, true}) {
     scanner.scan_headers = headers;
-    scanner.do_scan(path);
+    scanner.do_scan(path_text);
     for (int i = 0; i < scanner.found_files.size; ++i) {
       SCANNED_FILE file{scanner.found_files[i].str, {}};
       for (STRING const& included : *scanner.includes[i]) file.includes.insert(included.str);
       directory.files.push_back(std::move(file));
     }
   }
+  check_scanned(path, directory);
   std::sort(directory.files.begin(), directory.files.end(),
             [](SCANNED_FILE const& a, SCANNED_FILE const& b) { return a.name < b.name; });
   return directory;
@@ -155,15 +174,15 @@ private:
   }
 };
 
-/// The directories that `directory` uses, directly or through others.
-std::set<std::size_t> all_used_by(TREE const& tree, std::size_t directory) {
+/// The libraries that `directory` uses, directly or through another library.
+std::set<std::size_t> libraries_used_by(TREE const& tree, std::size_t directory) {
   std::set<std::size_t> found;
   std::vector<std::size_t> open = {directory};
   while (!open.empty()) {
-    const auto uses = tree[open.back()].uses;
+    const std::size_t user = open.back();
     open.pop_back();
-    for (const std::size_t used : uses) {
-      if (found.insert(used).second) open.push_back(used);
+    for (const std::size_t used : tree[user].uses) {
+      if (!tree[used].is_executable() && found.insert(used).second) open.push_back(used);
     }
   }
   return found;
@@ -173,7 +192,12 @@ std::set<std::size_t> all_used_by(TREE const& tree, std::size_t directory) {
 
 /// Fails unless a file of that name can be written, which the projects themselves would not tell.
 STRING writable(fs::path const& path) {
-  if (!std::ofstream(path, std::ios_base::app)) throw FAILURE{"cannot write " + path.string()};
+  std::error_code unknown;
+  if (fs::exists(path, unknown) && !fs::is_regular_file(path, unknown)) {
+    throw FAILURE{"cannot write " + path.string() + ": not a regular file"};
+  }
+  const fs::path changed = fs::exists(path, unknown) ? path : path.parent_path();
+  if (access(changed.c_str(), W_OK) != 0) throw FAILURE{"cannot write " + path.string()};
   return path.c_str();
 }
 
@@ -190,9 +214,9 @@ void write_make_file(STRING const& file_name, TREE const& tree, bool install_pub
       MAKE_TARGET& executable = executables.emplace_back();
       executable.name = name;
       executable.dirs.add(name);
-      const auto used = all_used_by(tree, i);
+      const auto used = libraries_used_by(tree, i);
       for (const std::size_t other : order) {
-        if (used.contains(other) && !tree[other].is_executable()) executable.dirs.add(tree[other].name.c_str());
+        if (used.contains(other)) executable.dirs.add(tree[other].name.c_str());
       }
       executable_list.add(&executable);
     } else {
@@ -268,7 +292,7 @@ int main(int argc, char* argv[]) {
   }
   if (roots.empty()) roots.emplace_back(".");
   if (roots.size() > 1 || roots[0].string().starts_with('-')) {
-    std::cerr << usage;
+    std::cerr << "project_files: cannot take " << roots.back().string() << "\n\n" << usage;
     return 2;
   }
 

@@ -26,16 +26,15 @@ std::vector<std::size_t> sizes_asked(ACTION action) {
 /// Runs `action`, its n-th allocation failing; tells whether it got that far and threw.
 template <class ACTION>
 bool throws_at_allocation(int n, ACTION action) {
-  ALLOCATIONS::count = 0;
   ALLOCATIONS::until_failure = n;
-  ALLOCATIONS::watching = true;
   bool thrown = false;
-  try {
-    action();
-  } catch (std::bad_alloc const&) {
-    thrown = true;
-  }
-  ALLOCATIONS::watching = false;
+  sizes_asked([&] {
+    try {
+      action();
+    } catch (std::bad_alloc const&) {
+      thrown = true;
+    }
+  });
   ALLOCATIONS::until_failure = -1;
   return thrown;
 }

@@ -46,12 +46,9 @@ TEST(Containers, BehaveAsStdVectorDoes) {
   compare_with_vector(buffered);
 }
 
-TEST(List, HoldsExactlyItsElements) {
-  LIST<int> list;
-  EXPECT_EQ(sizes_asked([&] { list.add(4), list.add(5); }), (std::vector<std::size_t>{4, 8}));
-}
-
-TEST(BuffList, GrowsByItsIncrementAlone) {
+TEST(Lists, GrowByOneElementOrByTheirIncrement) {
+  LIST<int> exact;
+  EXPECT_EQ(sizes_asked([&] { exact.add(4), exact.add(5); }), (std::vector<std::size_t>{4, 8}));
   BUFF_LIST<int> list(1024, 1024);
   EXPECT_EQ(sizes_asked([&] {
               for (int i = 0; i < 1024; ++i) list.add(i);
@@ -76,10 +73,8 @@ TEST(BuffList, GrowsByItsIncrementAlone) {
 
 TEST(Array, ReplacesItsStorage) {
   ARRAY<STRING> array;
-  EXPECT_TRUE(array.ptr == nullptr && array.size == 0);
   STRING* const storage = new STRING[2];
-  array.set_ptr_and_size(storage, 2);
-  array.set_ptr_and_size(storage, 1);
+  array.set_ptr_and_size(storage, 2), array.set_ptr_and_size(storage, 1);
   EXPECT_TRUE(array.ptr == storage && array.size == 1);
   array[0] = "text";
   array.resize(3);
@@ -98,11 +93,7 @@ void fail_each_allocation(CONTAINER& c, bool keeps_elements, ACTION action) {
     c.resize(0);
     for (char const* text : {"a", "b", "c"}) c.add(text);
     if (!throws_at_allocation(n, [&] { action(c); })) return;
-    if (keeps_elements) {
-      EXPECT_TRUE(c.size == 3 && c[0] == "a" && c[2] == "c");
-    } else {
-      EXPECT_TRUE(c.ptr == nullptr && c.size == 0);
-    }
+    EXPECT_TRUE(keeps_elements ? c.size == 3 && c[0] == "a" && c[2] == "c" : c.ptr == nullptr && c.size == 0);
     c.add("still usable");
     EXPECT_STREQ(c[c.size - 1].str, "still usable");
   }

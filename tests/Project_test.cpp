@@ -192,18 +192,17 @@ TEST(EclipseProject, AssignsFilesByTheNamesOfTheirDirectories) {
 TEST(EclipseProject, WritesAnyProject) {
   const SCRATCH_DIRECTORY scratch;
   std::mt19937 random(9);
-  std::map<std::string, std::string> blocks;
-  NAMES dirs;
+  NAMES dirs(40);
   std::vector<std::pair<std::string, std::string>> files;
-  for (int i = 0; i < 40; ++i) dirs.push_back("k" + std::to_string(i));
-  std::map<std::string, int> counts;
+  std::map<std::string, std::pair<int, std::string>> blocks;
+  for (std::string& dir : dirs) dir = "k" + std::to_string(&dir - dirs.data());
   for (int i = 0; i < 3000; ++i) {
-    files.emplace_back(std::to_string(i) + ".c", dirs[random() % dirs.size()]);
-    blocks[files.back().second] += files.back().first + "\n0\n", ++counts[files.back().second];
+    auto const& [file, dir] = files.emplace_back(std::to_string(i) + ".c", dirs[random() % dirs.size()]);
+    ++blocks[dir].first, blocks[dir].second += file + "\n0\n";
   }
   std::string expected = "40\n";
   for (auto const& dir : dirs) expected += dir + "\n";
-  for (auto const& dir : dirs) expected += "0\n" + std::to_string(counts[dir]) + "\n" + blocks[dir];
+  for (auto const& dir : dirs) expected += "0\n" + std::to_string(blocks[dir].first) + "\n" + blocks[dir].second;
   EXPECT_EQ(ECLIPSE_MODEL(dirs, files).written(), expected);
 }
 

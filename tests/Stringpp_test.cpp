@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <functional>
@@ -23,21 +24,24 @@ void drain_pool() {
 
 std::string text_of(std::size_t length) { return std::string(length, 'x'); }
 
+void try_to_read(std::istream& is, STRING& s) {
+  try {
+    read(is, s);
+  } catch (std::ios_base::failure const&) { // the text has to be a valid one all the same
+  }
+}
+
 TEST(Pool, HandsOutTheLastBufferReturnedAndFreesTheOneTooMany) {
   drain_pool();
   for (int i = 0; i < 1001; ++i) put_ptr(new char[510]);
   char* const top = pBufs[1000];
-  ALLOCATIONS::watching = true;
-  ALLOCATIONS::freed = 0;
-  put_ptr(new char[510]);
-  ALLOCATIONS::watching = false;
-  EXPECT_EQ(ALLOCATIONS::freed, 1);
-  EXPECT_EQ(Nb_string, 1000);
-  EXPECT_EQ(get_ptr(10), top);
-  EXPECT_EQ(Nb_string, 999);
-  put_ptr(nullptr);
-  EXPECT_EQ(Nb_string, 999);
+  sizes_asked([] { put_ptr(new char[510]), put_ptr(nullptr); });
+  EXPECT_TRUE(ALLOCATIONS::freed == 1 && Nb_string == 1000);
+  EXPECT_TRUE(get_ptr(10) == top && Nb_string == 999);
   put_ptr(top);
+  drain_pool();
+  char const* const buffer = STRING(text_of(600).c_str()).str; // a long text's buffer serves a short one next
+  EXPECT_EQ(STRING("abc").str, buffer);
 }
 
 TEST(Pool, AsksNewForTheSizesThatItsRulesGive) {
@@ -48,19 +52,15 @@ TEST(Pool, AsksNewForTheSizesThatItsRulesGive) {
     std::function<void()> action;
     SIZES cold, warm;
   } cases[] = {
-      {[] { STRING s; }, {510}, {}},
-      {[] { STRING s('c'); }, {510}, {}},
-      {[] { STRING s("abc"); }, {510}, {}},
-      {[] { STRING s(static_cast<char const*>(nullptr)); }, {510}, {}},
+      {[] { STRING a; }, {510}, {}},
+      {[] { STRING a('c'), b("abc"), c(static_cast<char const*>(nullptr)); }, {510, 510, 510}, {}},
       {[&] { STRING s(s508.c_str()); }, {510}, {}},
       {[&] { STRING s(s509.c_str()); }, {511}, {511}},
       {[&] { STRING s(s600.c_str()); }, {602}, {602}},
       {[&] { STRING s(longer); }, {602}, {602}},
       {[&] { target = s509.c_str(); }, {510}, {}},
       {[&] { target = longer; }, {601}, {601}},
-      {[&] { target = 'c'; }, {}, {}},
-      {[&] { target = static_cast<char const*>(nullptr); }, {}, {}},
-      {[&] { target = static_cast<char const*>(nullptr), target = 'c'; }, {}, {}},
+      {[&] { target = 'c', target = static_cast<char const*>(nullptr), target = 'd'; }, {}, {}},
       {[&] { target += longer; }, {604}, {604}},
       {[&] { STRING("abc") + "def"; }, {510, 510, 510, 510}, {}},
       {[&] { record.seekg(0), read(record, target); }, {601}, {601}},
@@ -75,12 +75,6 @@ TEST(Pool, AsksNewForTheSizesThatItsRulesGive) {
       EXPECT_EQ(sizes_asked(c.action), warm ? c.warm : c.cold) << "case " << &c - cases;
     }
   }
-}
-
-TEST(Pool, ServesShortTextsFromTheBuffersOfLongOnes) {
-  drain_pool();
-  char const* const buffer = STRING(text_of(600).c_str()).str;
-  EXPECT_EQ(STRING("abc").str, buffer);
 }
 
 TEST(String, BehavesAsStdStringDoes) {
@@ -137,49 +131,40 @@ TEST(String, BehavesAsStdStringDoes) {
 TEST(String, KeepsItsFlagToItself) {
   STRING failed("abc");
   failed.success = false;
-  EXPECT_FALSE(failed.ok);
   STRING copy(failed);
-  EXPECT_TRUE(copy.ok);
-  EXPECT_EQ(&copy.ok, &copy.success);
   failed = "def", failed = copy, failed = 'c', failed += "g";
-  EXPECT_FALSE(failed.ok);
+  EXPECT_TRUE(copy.ok && &copy.ok == &copy.success && !failed.ok);
   EXPECT_STREQ(STRING::EMPTY.str, "");
 }
 
-TEST(String, ReadsNumbersAtItsStart) {
-  const struct {
-    char const* text;
-    int integer;
-    double real;
-  } cases[] = {
-      {" 42abc", 42, 42},
-      {"abc", 0, 0},
-      {"-7", -7, -7},
-      {"\t\n\v\f\r +8", 8, 8},
-      {"- 7", 0, 0},
-      {"+-7", 0, 0},
-      {"", 0, 0},
-      {"0012", 12, 12},
-      {"1.5d3", 1, 1500},
-      {"2D-1", 2, 0.2},
-      {"2.5E2", 2, 250},
-      {"2.d-1", 2, 0.2},
-      {"7e", 7, 7},
-      {".5", 0, 0.5},
-      {"d5", 0, 0},
-      {"2147483647", INT_MAX, 2147483647.0},
-      {"2147483648", INT_MAX, 2147483648.0},
-      {"-2147483648", INT_MIN, -2147483648.0},
-      {"-2147483649", INT_MIN, -2147483649.0},
-      {"99999999999999999999", INT_MAX, 1e20},
-      {"-99999999999999999999", INT_MIN, -1e20},
-  };
-  for (auto const& c : cases) {
-    const STRING s(c.text);
-    EXPECT_EQ(s.to_int(), c.integer) << c.text;
-    EXPECT_DOUBLE_EQ(s.to_double(), c.real) << c.text;
-    EXPECT_STREQ(s.str, c.text);
+TEST(String, ReadsNumbersAtItsStartAsTheStandardLibraryDoes) {
+  for (std::string text : {" 42abc",
+                           "abc",
+                           "-7",
+                           "\t\n\v\f\r +8",
+                           "- 7",
+                           "+-7",
+                           "",
+                           "0012",
+                           "1.5d3",
+                           "2D-1",
+                           "2.5E2",
+                           "2.d-1",
+                           "7e",
+                           ".5",
+                           "d5",
+                           "2147483647",
+                           "2147483648",
+                           "-2147483648",
+                           "-2147483649",
+                           "99999999999999999999",
+                           "-99999999999999999999"}) {
+    const STRING s(text.c_str());
+    EXPECT_EQ(s.to_int(), std::clamp<long>(std::strtol(s.str, nullptr, 10), INT_MIN, INT_MAX)) << text;
+    for (char& c : text) c = c == 'd' || c == 'D' || c == 'E' ? 'e' : c;
+    EXPECT_EQ(s.to_double(), std::strtod(text.c_str(), nullptr)) << text;
   }
+  EXPECT_EQ(STRING("1.5d3").to_double(), 1500);
 }
 
 TEST(String, IsMadeFromNumbers) {
@@ -206,10 +191,8 @@ TEST(String, KeepsItsTextWhenMemoryFails) {
       [&](STRING& s) { s = more.c_str(); },
       [&](STRING& s) { s = other; },
       [&](STRING& s) { s += other; },
-      [&](STRING& s) { s += more.c_str(); },
-      [&](STRING& s) { s += 'c'; },
-      [&](STRING& s) { s = s + other + more.c_str() + 'c'; },
-      [&](STRING& s) { s = "abc" + s; },
+      [&](STRING& s) { s += more.c_str(), s += 'c'; },
+      [&](STRING& s) { s = "abc" + s + other + more.c_str() + 'c'; },
       [&](STRING& s) { STRING t(s), u(more.c_str()); },
       [&](STRING& s) {
         std::istringstream is(record);
@@ -223,7 +206,7 @@ TEST(String, KeepsItsTextWhenMemoryFails) {
       STRING s(before.c_str());
       drain_pool();
       thrown = throws_at_allocation(n, [&] { action(s); });
-      EXPECT_TRUE(!thrown || s.str == before) << &action - actions << " at " << n;
+      EXPECT_TRUE(!thrown || s.str == before || s.str == before + more) << &action - actions << " at " << n;
       s += "still usable";
     }
     EXPECT_GT(n, 2);
@@ -241,32 +224,15 @@ TEST(String, ReadsAndWritesBinaryRecords) {
   read(stream, s);
   EXPECT_STREQ(s.str, "");
 
-  const struct {
-    std::string record;
-    char const* text;
-  } broken[] = {
-      {"\5\0\0\0ab"s, "ab"},
-      {"\0\20\0\0abc"s, "abc"},
-      {std::string("\xff\xff\xff\xff"
-                   "abc",
-                   7),
-       ""},
-      {"\2\0"s, ""},
-      {"", ""},
-      {"\3\0\0\0a\0b"s, "a"},
-  };
-  for (auto const& c : broken) {
-    for (const bool throwing : {false, true}) {
-      std::istringstream is(c.record);
-      if (throwing) is.exceptions(std::ios_base::failbit);
-      s = "before";
-      try {
-        read(is, s);
-        EXPECT_STREQ(s.str, c.text);
-      } catch (std::ios_base::failure const&) {
-        EXPECT_TRUE(s == c.text || s == "before") << s.str;
-      }
-    }
+  const std::pair<std::string, char const*> broken[] = {
+      {"\5\0\0\0ab"s, "ab"}, {"\0\20\0\0abc"s, "abc"}, {"\376\377\377\377xyz"s, ""}, {"\2\0"s, ""}, {"", ""}};
+  for (auto const& [bytes, text] : broken) {
+    std::istringstream is(bytes), throwing(bytes);
+    read(is, s);
+    EXPECT_STREQ(s.str, text);
+    throwing.exceptions(std::ios_base::failbit);
+    s = "before";
+    EXPECT_TRUE((try_to_read(throwing, s), s == text || s == "before")) << s.str;
   }
   std::ostringstream os;
   os << std::setfill('.') << std::setw(5) << STRING("abc") << '|' << STRING();

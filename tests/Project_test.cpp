@@ -3,6 +3,7 @@
 
 #include <deque>
 #include <map>
+#include <numeric>
 #include <random>
 #include <set>
 
@@ -20,67 +21,59 @@ struct MAKE_MODEL {
   std::vector<std::pair<std::string, NAMES>> libs, targets;
 };
 
-/// The file that a model gives, made from the lines of the example.
+/// The file that a model gives: the example's lines, with the model's names and indexes in place of its own.
 std::string expected_make_file(MAKE_MODEL const& model) {
   NAMES lines;
   std::ifstream example(TEST_DATA "/make_example.txt");
   for (std::string line; std::getline(example, line);) lines.push_back(line + '\n');
+  const auto part = [&](int from, int to) {
+    return std::accumulate(&lines[0] + from - 1, &lines[0] + to, std::string());
+  };
   const auto replace = [](std::string& text, std::string const& what, std::string const& with) {
     for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {
       text.replace(at, what.size(), with);
     }
   };
-  const auto lib_file = [&](std::string const& name) {
-    return model.install_public ? "$(K7PATH)/PUBLIC/$(DBG)lib-$(K7MACHINE)/lib" + name + ".so"
-                                : "lib$(DBG)" + name + ".so";
-  };
+  const std::string lib_path = model.install_public ? "$(K7PATH)/PUBLIC/$(DBG)lib-$(K7MACHINE)/lib" : "lib$(DBG)";
+  const std::string debug = model.install_public ? "" : "$(DBG)";
+  const std::string option = model.install_public ? " -L$(K7PATH)/$(DBG)lib-$(K7MACHINE) " : "";
   std::set<std::string> lib_names;
   for (auto const& lib : model.libs) lib_names.insert(lib.first);
-  std::string text, rules, all_dirs, includes, last;
-  std::size_t index = 0;
-  const auto part = [&](std::size_t from, std::size_t to) {
-    for (; from <= to; ++from) text += lines[from - 1];
-  };
-  part(1, 76);
-  for (bool is_lib : {true, false}) {
+  std::string text = part(1, 76), rules, all_dirs, includes, last;
+  int index = 0;
+  for (const bool is_lib : {true, false}) {
+    const std::string example_name = is_lib ? "kutil" : "ktool", example_index = is_lib ? "0" : "1";
     for (auto const& [name, dirs] : is_lib ? model.libs : model.targets) {
-      const std::string i = std::to_string(index++);
       std::string own_dirs, needed, links;
       for (auto const& dir : dirs) {
-        if (is_lib || !lib_names.contains(dir))
-          own_dirs += dir + ' ';
-        else
-          needed += lib_file(dir) + ' ', links += (model.install_public ? "-l" : "-l$(DBG)") + dir + ' ';
+        const bool linked = !is_lib && lib_names.contains(dir);
+        own_dirs += linked ? "" : dir + ' ';
+        needed += linked ? lib_path + dir + ".so " : "";
+        links += linked ? "-l" + debug + dir + ' ' : "";
       }
-      std::string block;
-      for (std::size_t n = is_lib ? 77 : 100; n <= (is_lib ? 99U : 121U); ++n) block += lines[n - 1];
-      const std::string example_name = is_lib ? "kutil" : "ktool", example_index = is_lib ? "0" : "1";
+      std::string block = is_lib ? part(77, 99) : part(100, 121), rule = is_lib ? part(137, 141) : part(134, 136);
       replace(block, ":= " + example_name + " \n", ":= " + own_dirs + "\n");
       replace(block, "target " + example_name + "\n", "target " + name + "\n");
-      for (char const* variable : {"dirs", "files", "OBJS", "HFIL", "DEPS"})
-        replace(block, variable + example_index, variable + i);
-      text += block;
-      last = is_lib ? lib_file(name) : name + "_$(DBG)$(K7MACHINE)";
-      const std::string objects = "$(OBJS" + i + ")", parts = "$(DEPS" + i + ") " + objects;
-      rules = (is_lib ? lines[136] + last + " : $(HFIL" + i + ") " + parts + "\n\tKlink " +
-                            (model.install_public ? "-inst " : "") + "$(KlinkFlag) $(KlinkFlag2) -o lib" +
-                            (model.install_public ? "" : "$(DBG)") + name + ".so " + objects + "\n\n\n"
-                      : last + " : $(HFIL" + i + ") " + needed + " " + parts +
-                            " \n\t$(CC) -L${K7PATH}/PUBLIC/lib-${K7MACHINE} -I${K7PATH}/include $(BFLAGS) -o " + name +
-                            "_$(K7MACHINE) " + objects + " " +
-                            (model.install_public ? " -L$(K7PATH)/$(DBG)lib-$(K7MACHINE) " : "") + links + "\n\n") +
-              rules;
-      all_dirs += "$(dirs" + i + ") ", includes += "-include $(DEPS" + i + ")\n";
+      replace(rule, "lib$(DBG)kutil.so  ", needed + " ");
+      replace(rule, "-l$(DBG)kutil ", option + links);
+      replace(rule, "-o lib$(DBG)kutil", (model.install_public ? "-o lib" : "-o lib$(DBG)") + name);
+      replace(rule, "lib$(DBG)kutil.so :", lib_path + name + ".so :");
+      replace(rule, "Klink ", model.install_public ? "Klink -inst " : "Klink ");
+      replace(rule, "ktool_", name + "_");
+      for (std::string const variable : {"dirs", "files", "OBJS", "HFIL", "DEPS"}) {
+        for (std::string* changed : {&block, &rule})
+          replace(*changed, variable + example_index, variable + std::to_string(index));
+      }
+      text += block, rules = rule + rules;
+      last = is_lib ? lib_path + name + ".so" : name + "_$(DBG)$(K7MACHINE)";
+      all_dirs += "$(dirs" + std::to_string(index) + ") ",
+          includes += "-include $(DEPS" + std::to_string(index++) + ")\n";
     }
   }
-  part(122, 126);
-  text += "VPATH = $(subst ,:, " + all_dirs + ")\n\n" + lines[128] + "INC_ALL_DIRS = $(foreach ddir," + all_dirs +
-          ",-I$(ddir))\n\n";
-  text += "report_at_end : make_all_dirs " + last + "\n\n" + rules;
-  part(142, 144);
-  text += includes;
-  part(147, 151);
-  return text;
+  std::string trailer = part(122, 133);
+  replace(trailer, "$(dirs0) $(dirs1) ", all_dirs);
+  replace(trailer, "ktool_$(DBG)$(K7MACHINE)", last);
+  return text + trailer + rules + part(142, 144) + includes + part(147, 151);
 }
 
 /// Writes the model as a project, and compares file and progress lines.

@@ -27,7 +27,7 @@ std::string expected_make_file(MAKE_MODEL const& model) {
   std::ifstream example(TEST_DATA "/make_example.txt");
   for (std::string line; std::getline(example, line);) lines.push_back(line + '\n');
   const auto part = [&](int from, int to) {
-    return std::accumulate(&lines[0] + from - 1, &lines[0] + to, std::string());
+    return std::accumulate(lines.data() + from - 1, lines.data() + to, std::string());
   };
   const auto replace = [](std::string& text, std::string const& what, std::string const& with) {
     for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += with.size()) {

@@ -85,7 +85,8 @@ void check_scanned(fs::path const& path, SCANNED_DIRECTORY const& directory) {
     const std::string name = entry->path().filename().string();
     const bool plain_source =
         name.find('.') + 2 == name.size() && std::string("ckh").find(name.back()) != std::string::npos;
-    if (plain_source && !scanned.contains(name)) throw FAILURE{"cannot scan " + path.string()};
+    if (plain_source && !entry->is_directory(unknown) && !scanned.contains(name))
+      throw FAILURE{"cannot scan " + path.string()};
     if (scanned.contains(name) && entry->is_regular_file(unknown) && !std::ifstream(entry->path())) {
       throw FAILURE{"cannot read " + entry->path().string()};
     }
@@ -104,6 +105,8 @@ SCANNED_DIRECTORY scan_directory(fs::path const& root, std::string const& name) 
     scanner.do_scan(path_text);
     for (int i = 0; i < scanner.found_files.size; ++i) {
       SCANNED_FILE file{scanner.found_files[i].str, {}};
+      std::error_code unknown;
+      if (fs::is_directory(path / file.name, unknown)) continue; // the scanner lists them like files
       for (STRING const& included : *scanner.includes[i]) file.includes.insert(included.str);
       directory.files.push_back(std::move(file));
     }

@@ -56,7 +56,7 @@ void ASCII_FILE::goto_position(std::streampos p) {
   if (fail()) {
     close();
     open_stream(name.str, mode & ~ios_base::trunc); // truncating again would lose what the file holds
-    if (fail()) open_stream(name.str, mode);        // there is no file, so nothing to lose
+    if (fail()) open_stream(name.str, mode);        // only a missing file opens now
   }
   if (mode & ios_base::in) seekg(p);
   if (mode & ios_base::out) seekp(p);

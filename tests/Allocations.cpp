@@ -12,6 +12,8 @@ void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept { return std::malloc(size); }
+
 void operator delete(void* p) noexcept {
   if (ALLOCATIONS::watching && p != nullptr) ++ALLOCATIONS::freed;
   std::free(p);

@@ -51,8 +51,8 @@ void read_while(std::fstream& in, TAKE take) {
 
 void report_cut() {
   char beginning[40];
-  std::replace_copy_if(
-      Key, Key + sizeof beginning, beginning, [](unsigned char c) { return c < 32; }, '?');
+  const auto is_control = [](unsigned char c) { return c < 32; };
+  std::replace_copy_if(Key, Key + sizeof beginning, beginning, is_control, '?');
   std::cerr << "kindex: field cut at " << most_bytes << " bytes: ";
   std::cerr.write(beginning, sizeof beginning) << '\n';
 }

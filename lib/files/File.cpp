@@ -19,7 +19,12 @@ ASCII_FILE::~ASCII_FILE() {
   current_file = nullptr;
   def_values.resize(0);
   def_keys.resize(0);
-  delete included_file;
+  while (included_file != nullptr) { // one by one: a long chain would be a deep recursion
+    ASCII_FILE* const inner = included_file;
+    included_file = inner->included_file;
+    inner->included_file = nullptr;
+    delete inner;
+  }
 }
 
 void ASCII_FILE::open(char const* path, int open_mode) {

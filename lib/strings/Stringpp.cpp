@@ -8,19 +8,14 @@
 #include <iterator>
 #include <ostream>
 
+#include "lib/strings/Buffers.h"
+
 constinit char* pBufs[1001] = {};
 constinit int Nb_string = -1;
 
 namespace {
 
-constexpr std::size_t standard_size = 510;
 constexpr int top_slot = static_cast<int>(std::size(pBufs)) - 1;
-
-char* take_buffer(std::size_t length) {
-  if (Nb_string < 0) return new char[std::max(length + 1, standard_size)];
-  if (length >= standard_size) return new char[length + 1];
-  return pBufs[Nb_string--];
-}
 
 /// Trades `old` for a buffer that holds `length` bytes and a terminator. If this throws, `old` is still the caller's.
 char* trade_buffer(char* old, std::size_t length) {
@@ -31,20 +26,6 @@ char* trade_buffer(char* old, std::size_t length) {
   char* const fresh = take_buffer(length);
   put_ptr(old);
   return fresh;
-}
-
-/// A new buffer with a copy of `text`, asked for with room for `spare` characters more.
-char* copied(char const* text, std::size_t spare) {
-  const std::size_t length = std::strlen(text);
-  char* const fresh = take_buffer(length + spare);
-  std::memcpy(fresh, text, length + 1);
-  return fresh;
-}
-
-void replace(STRING& s, char const* text) {
-  char* const fresh = copied(text, 0);
-  put_ptr(s.str); // only now: `text` may lie in this buffer
-  s.str = fresh;
 }
 
 /// Appends `tail`, which may lie in s, to the `length` bytes of s.

@@ -91,7 +91,61 @@ public:
 
   /// The real number at the start of the text, its exponent written with e, E, d or D; 0 without one.
   double to_double() const;
+
+  // Editing. A blank is the space character alone; what the text lacks cannot be cut, so the text then stays as it is.
+
+  /// Drops every c, in place.
+  void remove_all(char c);
+
+  /// Drops every c.
+  STRING& cut_out(char c);
+
+  /// Drops the first occurrence of s, which must not be null.
+  STRING& cut_out(char const* s);
+
+  /// Keeps the text from the first c on, c included.
+  STRING& locate_and_cut(char c);
+
+  /// Keeps the text before the first c, in place.
+  STRING& locate_and_cut_before(char c);
+
+  /// Keeps the text after the first c; of a text that ends with that c, just c.
+  STRING& locate_and_cut_after(char c);
+
+  /// Drops the blanks at both ends.
+  STRING& clear_space();
+
+  /// Drops the blanks at both ends and makes one blank of each run inside.
+  STRING& clear_extra_space();
+
+  /// Keeps what follows the last '/'.
+  STRING& basename();
+
+  bool start_with(STRING const& s) const;
+  bool end_with(STRING const& s) const;
+
+  /// Whether the whole text is a sign, digits, or a sign and digits.
+  bool if_int() const;
+
+  /// Whether the whole text is a real number: one with a decimal point, digits beside it, and perhaps an exponent
+  /// behind it, written with e, E, d or D.
+  bool if_double() const;
+
+  // Extraction. Each takes the word at the start of the text, up to a blank, a comma or the end, and leaves the rest,
+  // trimmed at both ends, with what ended the word in front. `ok` tells whether it took one; the text stays as it was
+  // if not. A comma is never passed: in front of it the word is empty.
+
+  /// The word; the empty text from a text of blanks.
+  STRING getSTRING();
+
+  /// The word as a number, by `to_int` and `to_double`; 0 if it has not the form that `if_int` or `if_double` asks for.
+  int getint();
+  double getdouble();
 };
+
+/// Change the letters A to Z or a to z, in place.
+void tolower_(STRING& s);
+void toupper_(STRING& s);
 
 /// The result of strncmp over at most n bytes; 0 when n is not positive.
 int strn_cmp(char const* a, STRING const& b, int n);
@@ -106,6 +160,10 @@ STRING operator+(char a, STRING const& b);
 
 /// Writes the text as a character array is written: the stream's width and fill apply.
 std::ostream& operator<<(std::ostream& os, STRING const& s);
+
+/// Reads one word, up to white space; the stream's width applies as to a character array. Without a word left s stays
+/// unchanged. A word of more than 511 characters is reported through `ERROR_MESSAGER` first.
+std::istream& operator>>(std::istream& is, STRING& s);
 
 /// Writes the binary record of s: its length as an `int` of four bytes in the machine's order, then its bytes. A text
 /// too long for such a length writes nothing and sets the fail state.

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "lib/strings/Stringpp.h"
+
+/// Where every report of the library goes. This class writes a report to standard error and, unless it is a plain
+/// message or an alert, ends the process with status 1. A program that wants reports handled otherwise derives a class,
+/// overrides the virtual operations and installs an object of it; those who report stay as they are. One thread only.
+///
+/// A source file and line say where in the program's own sources the report was made, as `__FILE__` and `__LINE__` do.
+/// A report returns to who made it only if the `do_EXIT` it goes through returns.
+class ERROR_MESSAGER {
+public:
+  constexpr ERROR_MESSAGER() = default;
+
+  /// Ends the process with status 1, static objects destroyed and streams flushed.
+  virtual void do_EXIT();
+
+  virtual void err_message(STRING class_name, STRING text, char const* source_file, int source_line);
+  virtual void err_message(STRING text, char const* source_file, int source_line);
+  virtual void err_message(STRING text);
+
+  /// Reports trouble with the user's input, with the name and the line of the file being read.
+  virtual void input_error(STRING text);
+
+  virtual void not_implemented_error(STRING text, char const* source_file, int source_line);
+
+  /// Ends the process with status 1 itself, not through `do_EXIT`.
+  virtual void critical(STRING text);
+
+  virtual void message(STRING text);
+  virtual void alert(STRING text);
+
+  virtual ~ERROR_MESSAGER();
+
+  /// The messager that receives all reports; `default_messager` from the very start, never owned.
+  static constinit ERROR_MESSAGER* active_error_messager;
+
+  /// Sends all later reports to `messager`, which stays the caller's and must outlive its use. REQUIRES: it is not
+  /// null.
+  static void reassign_error_messager(ERROR_MESSAGER* messager);
+
+  // Each of these hands its arguments to the operation of the active messager that it is named for.
+
+  static void EXIT();
+  static void static_err_message(STRING class_name, STRING text, char const* source_file, int source_line);
+  static void static_err_message(STRING text, char const* source_file, int source_line);
+  static void static_err_message(STRING text);
+  static void STATIC_NOT_IMPLEMENTED_ERROR(STRING text, char const* source_file, int source_line);
+  static void STATIC_MESSAGE(STRING text);
+  static void STATIC_ALERT(STRING text);
+
+  /// These two append the source position to the text.
+  static void STATIC_INPUT_ERROR(STRING text, char const* source_file, int source_line);
+  static void STATIC_CRITICAL(STRING text, char const* source_file, int source_line);
+};
+
+/// The messager that is active until another one is installed.
+extern constinit ERROR_MESSAGER default_messager;
+
+/// An empty text to begin a message with: `EMPTY + "no such unit: " + name`.
+extern STRING EMPTY;
+
+// For readers of input: report, as input errors, a name they do not know and a value they cannot read.
+
+void UNKNOWN_COEF(STRING name);
+void UNKNOWN_COMMAND(STRING name);
+void KBAD(STRING text);

@@ -1,0 +1,75 @@
+#include <string>
+
+#include "lib/diagnostics/Error_messager.h"
+#include "lib/files/File.h"
+#include "lib/files/Stream_characters.h"
+
+using std::ios_base;
+
+namespace {
+
+enum class WORD { key, value };
+
+constexpr char line_end_in_key[] = "unxpected end of file met while reading #define";
+
+void report(char const* text, int source_line) {
+  ERROR_MESSAGER::static_err_message(EMPTY + text, __FILE__, source_line);
+}
+
+bool is_blank(char c) { return c == ' '; }
+
+/// Reads one word of a definition and drops the character that ends it. `state` is the one that reading on would set.
+///
+/// The stream itself does not fail at its end yet, so that a report made there can still tell where that is, and
+/// finding that out does not start the file anew.
+STRING read_word(ASCII_FILE& file, WORD which, ios_base::iostate& state) {
+  pass_while(file, is_blank);
+  std::string word;
+  for (state = state_of_next(file); state == ios_base::goodbit; state = state_of_next(file)) {
+    const char c = next_character(file);
+    const bool line_end = ends_line(c);
+    if (is_blank(c) || (line_end && which == WORD::value)) break;
+    if (line_end) {
+      report(line_end_in_key, __LINE__);
+    } else if (file.allowed_character(c) == 0 || c == '#') {
+      report("character not allowed in #define", __LINE__);
+    }
+    if (c != '\0') word += c;
+  }
+  return word.c_str();
+}
+
+} // namespace
+
+void ASCII_FILE::add_def() {
+  ios_base::iostate state = ios_base::goodbit;
+  const STRING key = read_word(*this, WORD::key, state);
+  if (state != ios_base::goodbit) {
+    report(line_end_in_key, __LINE__);
+  } else {
+    const STRING value = read_word(*this, WORD::value, state);
+    validate_def(key, value);
+  }
+  if (state != ios_base::goodbit) setstate(state);
+}
+
+void ASCII_FILE::validate_def(STRING const& key, STRING const& value) {
+  ASCII_FILE& owner = outermost();
+  if (owner.def_keys.is_in(key)) report("Def key in", __LINE__);
+  owner.def_values.set_size(owner.def_keys.size); // without a value whose key found no memory
+  owner.def_values.add(value);
+  owner.def_keys.add(key);
+}
+
+STRING& ASCII_FILE::def_mask(STRING& word) {
+  ASCII_FILE const& owner = outermost();
+  int index = 0;
+  if (owner.def_keys.is_in(word, index)) word = owner.def_values[index];
+  return word;
+}
+
+ASCII_FILE& ASCII_FILE::outermost() {
+  ASCII_FILE* file = this;
+  while (file->parent_file != nullptr) file = file->parent_file;
+  return *file;
+}

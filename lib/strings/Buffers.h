@@ -1,0 +1,34 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+#include "lib/strings/Stringpp.h"
+
+// What the operations of STRING share about the buffers of its pool.
+
+/// The size of a buffer that comes from the pool, unless it was made for a longer text.
+constexpr std::size_t standard_size = 510;
+
+/// As `get_ptr`, for texts of any length.
+inline char* take_buffer(std::size_t length) {
+  if (Nb_string < 0) return new char[std::max(length + 1, standard_size)];
+  if (length >= standard_size) return new char[length + 1];
+  return pBufs[Nb_string--];
+}
+
+/// A new buffer with a copy of `text`, asked for with room for `spare` characters more.
+inline char* copied(char const* text, std::size_t spare) {
+  const std::size_t length = std::strlen(text);
+  char* const fresh = take_buffer(length + spare);
+  std::memcpy(fresh, text, length + 1);
+  return fresh;
+}
+
+/// Gives s a new buffer that holds `text`, which may lie in the old one.
+inline void replace(STRING& s, char const* text) {
+  char* const fresh = copied(text, 0);
+  put_ptr(s.str);
+  s.str = fresh;
+}

@@ -1,0 +1,162 @@
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
+#include "lib/strings/Buffers.h"
+#include "lib/strings/Stringpp.h"
+
+namespace {
+
+bool is_digit(char c) { return c >= '0' && c <= '9'; }
+
+template <class CONVERT>
+void convert(STRING& s, CONVERT converted) {
+  for (char* c = s.str; *c != '\0'; ++c) *c = static_cast<char>(converted(static_cast<unsigned char>(*c)));
+}
+
+/// Takes the leading word of s for a number if it passes `test`; otherwise s keeps its text and 0 is the result.
+template <class NUMBER>
+NUMBER take_number(STRING& s, bool (STRING::*test)() const, NUMBER (STRING::*value)() const) {
+  const STRING before(s);
+  const STRING word = s.getSTRING();
+  if (!s.ok) return 0;
+  s.success = (word.*test)();
+  if (s.success) return (word.*value)();
+  s = before;
+  return 0;
+}
+
+/// Where a real number can stand after a part of it; a text that ends in `fraction` or `exponent` is a whole one.
+enum STATE { start, bare_point, sign, integer, fraction, exponent_letter, exponent_sign, exponent, none };
+
+/// The state that follows for a sign, a point, a digit and an exponent letter.
+constexpr STATE transitions[][4] = {
+    {sign, bare_point, integer, none},       // start
+    {none, none, fraction, none},            // bare_point
+    {none, bare_point, integer, none},       // sign
+    {none, fraction, integer, none},         // integer
+    {none, none, fraction, exponent_letter}, // fraction
+    {exponent_sign, none, exponent, none},   // exponent_letter
+    {none, none, exponent, none},            // exponent_sign
+    {none, none, exponent, none},            // exponent
+};
+
+STATE after(STATE state, char c) {
+  if (is_digit(c)) return transitions[state][2];
+  switch (c) {
+  case '+':
+  case '-': return transitions[state][0];
+  case '.': return transitions[state][1];
+  case 'E':
+  case 'e':
+  case 'D':
+  case 'd': return transitions[state][3];
+  default: return none;
+  }
+}
+
+} // namespace
+
+void STRING::remove_all(char c) {
+  char* const end = str + std::strlen(str);
+  *std::remove(str, end, c) = '\0';
+}
+
+STRING& STRING::cut_out(char c) {
+  STRING kept(*this);
+  kept.remove_all(c);
+  return *this = kept;
+}
+
+STRING& STRING::cut_out(char const* s) {
+  char* const found = locate(s);
+  if (found == nullptr || *s == '\0') return *this;
+  const STRING tail(found + std::strlen(s));
+  *found = '\0';
+  return *this += tail;
+}
+
+STRING& STRING::locate_and_cut(char c) {
+  if (char const* const found = locate(c)) *this = found;
+  return *this;
+}
+
+STRING& STRING::locate_and_cut_before(char c) {
+  if (char* const found = locate(c)) *found = '\0';
+  return *this;
+}
+
+STRING& STRING::locate_and_cut_after(char c) {
+  char const* const found = locate(c);
+  if (found == nullptr) return *this;
+  if (found[0] == '\0' || found[1] == '\0') return *this = c;
+  return *this = found + 1;
+}
+
+STRING& STRING::clear_space() {
+  char* end = str + std::strlen(str);
+  while (end != str && end[-1] == ' ') --end;
+  *end = '\0';
+  replace(*this, str + std::strspn(str, " "));
+  return *this;
+}
+
+STRING& STRING::clear_extra_space() {
+  clear_space();
+  const auto both_blank = [](char a, char b) { return a == ' ' && b == ' '; };
+  *std::unique(str, str + std::strlen(str), both_blank) = '\0';
+  return *this;
+}
+
+STRING& STRING::basename() {
+  if (char const* const slash = std::strrchr(str, '/')) *this = slash + 1;
+  return *this;
+}
+
+void tolower_(STRING& s) {
+  convert(s, [](int c) { return std::tolower(c); });
+}
+
+void toupper_(STRING& s) {
+  convert(s, [](int c) { return std::toupper(c); });
+}
+
+bool STRING::start_with(STRING const& s) const { return std::strncmp(str, s.str, std::strlen(s.str)) == 0; }
+
+bool STRING::end_with(STRING const& s) const {
+  const std::size_t length = std::strlen(str);
+  const std::size_t tail = std::strlen(s.str);
+  return tail <= length && std::strcmp(str + (length - tail), s.str) == 0;
+}
+
+bool STRING::if_int() const {
+  if (!is_digit(*str) && *str != '+' && *str != '-') return false;
+  return std::all_of(str + 1, str + std::strlen(str), is_digit);
+}
+
+bool STRING::if_double() const {
+  STATE state = start;
+  for (char const* c = str; *c != '\0' && state != none; ++c) state = after(state, *c);
+  return state == fraction || state == exponent;
+}
+
+STRING STRING::getSTRING() {
+  const STRING before(*this);
+  clear_space();
+  success = *str != '\0';
+  if (!success) {
+    *this = before;
+    return "";
+  }
+  char* const end = str + std::strcspn(str, " ,");
+  const char delimiter = *end;
+  *end = '\0';
+  const STRING word(str);
+  *end = delimiter;
+  *this = end;
+  return word;
+}
+
+int STRING::getint() { return take_number(*this, &STRING::if_int, &STRING::to_int); }
+
+double STRING::getdouble() { return take_number(*this, &STRING::if_double, &STRING::to_double); }

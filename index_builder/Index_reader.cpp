@@ -19,7 +19,7 @@ template <class TAKE>
 void read_while(std::fstream& in, TAKE take) {
   const std::ios_base::iostate state = pass_while(in, take);
   if (state == std::ios_base::goodbit) {
-    next_character(in);
+    in.rdbuf()->sbumpc();
   } else {
     in.setstate(state);
   }

@@ -20,9 +20,11 @@ void write_position(char const* source_file, int source_line) {
 
 } // namespace
 
-[[gnu::init_priority(200)]] STRING EMPTY; // before the static objects of programs, which may report
+// These are there before the static objects of programs, which may report, and until those are gone.
+[[gnu::init_priority(150)]] static std::ios_base::Init standard_streams;
+[[gnu::init_priority(200)]] STRING EMPTY;
+[[gnu::init_priority(201)]] constinit ERROR_MESSAGER default_messager;
 
-constinit ERROR_MESSAGER default_messager;
 constinit ERROR_MESSAGER* ERROR_MESSAGER::active_error_messager = &default_messager;
 
 ERROR_MESSAGER::~ERROR_MESSAGER() = default;

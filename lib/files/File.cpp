@@ -48,11 +48,13 @@ void ASCII_FILE::close() {
 bool ASCII_FILE::if_current_file() { return current_file != nullptr; }
 
 std::streampos ASCII_FILE::get_position() {
-  const bool only_at_end = eof() && !fail();
-  if (only_at_end) clear(); // tellg would take the end of file for a failure
-  const std::streampos position = tellg();
-  if (only_at_end) setstate(eofbit);
-  return position;
+  if (fail()) return -1;
+  try {
+    return std::ios::rdbuf()->pubseekoff(0, ios_base::cur, ios_base::in); // tellg would make a failure of the mere end
+  } catch (...) {
+    setstate(ios_base::badbit);
+    return -1;
+  }
 }
 
 void ASCII_FILE::set_position() { previous_pos = get_position(); }

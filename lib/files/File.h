@@ -174,8 +174,6 @@ public:
 
 private:
   void open_stream(char const* path, int flags);
-  STRING own_token();
-  std::ios_base::iostate skip_separators();
   ASCII_FILE& outermost();
 };
 

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <string>
 
 #include "lib/diagnostics/Error_messager.h"
@@ -25,8 +26,8 @@ bool is_blank(char c) { return c == ' '; }
 STRING read_word(ASCII_FILE& file, WORD which, ios_base::iostate& state) {
   pass_while(file, is_blank);
   std::string word;
-  for (state = state_of_next(file); state == ios_base::goodbit; state = state_of_next(file)) {
-    const char c = next_character(file);
+  char c = '\0';
+  for (state = take_character(file, c); state == ios_base::goodbit; state = take_character(file, c)) {
     const bool line_end = ends_line(c);
     if (is_blank(c) || (line_end && which == WORD::value)) break;
     if (line_end) {
@@ -56,7 +57,8 @@ void ASCII_FILE::add_def() {
 void ASCII_FILE::validate_def(STRING const& key, STRING const& value) {
   ASCII_FILE& owner = outermost();
   if (owner.def_keys.is_in(key)) report("Def key in", __LINE__);
-  owner.def_values.set_size(owner.def_keys.size); // without a value whose key found no memory
+  owner.def_values.set_size(
+      std::min(owner.def_keys.size, owner.def_values.size)); // without a value whose key found no memory
   owner.def_values.add(value);
   owner.def_keys.add(key);
 }

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <array>
-#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -9,6 +8,7 @@
 #include "lib/diagnostics/Error_messager.h"
 #include "lib/files/File.h"
 #include "lib/files/Stream_characters.h"
+#include "lib/strings/Buffers.h"
 
 using std::ios_base;
 
@@ -24,27 +24,101 @@ constexpr std::array<bool, 256> token_characters = [] {
 bool in_token(char c) { return token_characters[static_cast<unsigned char>(c)]; }
 bool starts_comment(char c) { return c == '%' || c == '#'; }
 
-/// The characters of one token or line while they are read, off the heap unless they are many.
+/// How many characters there are before the first that ends a line.
+std::size_t before_line_end(std::string_view text) {
+  constexpr std::size_t window = 256; // a search for one of the ends would else pass over many of the others
+  for (std::size_t start = 0; start < text.size(); start += window) {
+    std::string_view line = text.substr(start, window);
+    const std::size_t whole = line.size();
+    for (const char end : {'\n', '\r', '\0'}) line = line.substr(0, line.find(end));
+    if (line.size() < whole) return start + line.size();
+  }
+  return text.size();
+}
+
+std::size_t before_token_end(std::string_view text) {
+  return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), in_token) - text.begin());
+}
+
+/// The characters of one token or line: in the stream's buffer if that holds all of them, else copied out of it.
 class GATHERED {
 public:
-  std::pmr::string text{&memory};
-
-  GATHERED() { text.reserve(sizeof room - 1); }
-
-  /// Appends the characters at the front of the stream that `belongs` accepts. Gives what `take_characters` gives.
-  template <class BELONGS>
-  ios_base::iostate read(std::istream& in, BELONGS belongs) {
+  /// Takes as many characters off the front of the stream as `measure` finds. Gives what `take_characters` gives.
+  template <class MEASURE>
+  ios_base::iostate read(std::istream& in, MEASURE measure) {
     return take_characters(in, [&](std::string_view ready) {
-      const auto end = std::find_if_not(ready.begin(), ready.end(), belongs);
-      text.append(ready.begin(), end);
-      return static_cast<std::size_t>(end - ready.begin());
+      piece = ready.substr(0, measure(ready));
+      const bool may_go_on = piece.size() == ready.size();
+      if (may_go_on || !copy.empty()) copy += piece;
+      return piece.size();
     });
   }
 
+  /// Valid until the stream is read on behind the character that ended the text.
+  std::string_view text() const { return copy.empty() ? piece : std::string_view(copy); }
+
 private:
-  char room[1024];
-  std::pmr::monotonic_buffer_resource memory{room, sizeof room};
+  std::string_view piece;
+  std::string copy;
 };
+
+/// Moves to the first character of a token. Gives what `take_characters` gives.
+ios_base::iostate skip_separators(ASCII_FILE& file) {
+  bool in_comment = false;
+  const auto separates = [&](char c) {
+    if (in_comment) {
+      in_comment = !ends_line(c) && c != '\0';
+      return true;
+    }
+    in_comment = file.skip_comments != 0 && starts_comment(c);
+    if (in_comment || ends_line(c)) file.line_changed = true;
+    return in_comment || !in_token(c);
+  };
+  return pass_while(file, separates);
+}
+
+/// Reads the next token of this very file as it stands. The character that ends it is looked at only.
+void read_token(ASCII_FILE& file, STRING& token) {
+  ASCII_FILE::current_file = &file;
+  file.line_changed = false;
+  file.set_position();
+  ios_base::iostate state = skip_separators(file);
+  GATHERED gathered;
+  if (state == ios_base::goodbit) state = gathered.read(file, before_token_end);
+  file.success = !gathered.text().empty();
+  assign(token, file.ok ? gathered.text() : "EOF");
+  const bool only_at_end = file.ok && (state & ios_base::badbit) == 0;
+  if (!only_at_end) file.setstate(state); // behind a token that the end cuts short, `back` and error locations work on
+}
+
+/// The next token of this very file, macros replaced.
+STRING own_token(ASCII_FILE& file) {
+  STRING token;
+  for (read_token(file, token); file.ok && token == "#define"; read_token(file, token)) file.add_def();
+  if (file.ok) file.def_mask(token);
+  return token;
+}
+
+/// Reads the next line with its comment and drops its end. Gives whether there was one.
+bool read_line(ASCII_FILE& file, GATHERED& line) {
+  ios_base::iostate state = pass_while(file, [](char c) { return c == '\n'; });
+  if (state != ios_base::goodbit) {
+    file.setstate(state);
+    file.set_position();
+    return false;
+  }
+  state = line.read(file, before_line_end);
+  const bool ended = state == ios_base::goodbit;
+  char terminator = '\0';
+  if (ended) take_character(file, terminator);
+  // A line is one only if two characters are there to be read, its end and what follows it included.
+  const bool single = line.text().size() + (ended ? 1 : 0) < 2;
+  if (single && ended) state = state_of_next(file);
+  const bool none = single && state != ios_base::goodbit;
+  if (none) file.set_position();
+  if (none || !ended) file.setstate(state);
+  return !none;
+}
 
 } // namespace
 
@@ -53,12 +127,12 @@ int ASCII_FILE::allowed_character(int ch) const { // NOLINT(readability-convert-
 }
 
 STRING ASCII_FILE::getSTRING() {
-  if (included_file == nullptr) return own_token();
+  if (included_file == nullptr) return own_token(*this);
 
   std::vector<ASCII_FILE*> chain = {this}; // from here to the innermost file
   while (chain.back()->included_file != nullptr) chain.push_back(chain.back()->included_file);
   for (;;) {
-    STRING token = chain.back()->own_token();
+    STRING token = own_token(*chain.back());
     std::size_t level = chain.size() - 1;
     for (; level > 0 && !(token == "EOF"); --level) {
       chain[level - 1]->success = chain[level]->ok;
@@ -68,47 +142,6 @@ STRING ASCII_FILE::getSTRING() {
     chain.resize(level);
     delete std::exchange(chain.back()->included_file, nullptr);
   }
-}
-
-/// The next token of this very file, macros replaced. The character that ends it is looked at only.
-STRING ASCII_FILE::own_token() {
-  for (;;) {
-    current_file = this;
-    line_changed = false;
-    set_position();
-    ios_base::iostate state = skip_separators();
-    if (state != ios_base::goodbit) {
-      success = false;
-      setstate(state);
-      return "EOF";
-    }
-    GATHERED gathered;
-    state = gathered.read(*this, in_token);
-    if ((state & ios_base::badbit) != 0) setstate(state); // at a mere end, `back` and error locations work on
-    STRING token = gathered.text.c_str();
-    if (token == "#define") {
-      add_def();
-      continue;
-    }
-    success = true;
-    def_mask(token);
-    return token;
-  }
-}
-
-/// Moves to the first character of a token. Gives what `take_characters` gives.
-ios_base::iostate ASCII_FILE::skip_separators() {
-  bool in_comment = false;
-  const auto separates = [&](char c) {
-    if (in_comment) {
-      in_comment = !ends_line(c) && c != '\0';
-      return true;
-    }
-    in_comment = skip_comments != 0 && starts_comment(c);
-    if (in_comment || ends_line(c)) line_changed = true;
-    return in_comment || !in_token(c);
-  };
-  return pass_while(*this, separates);
 }
 
 STRING ASCII_FILE::getSTRING_sl() {
@@ -123,30 +156,16 @@ STRING ASCII_FILE::getSTRING_sl() {
 
 STRING ASCII_FILE::getline() {
   const std::streamoff start = get_position();
-  success = false;
-  ios_base::iostate state = pass_while(*this, [](char c) { return c == '\n'; });
-  if (state != ios_base::goodbit) {
-    setstate(state);
-    set_position();
-    return "";
-  }
   GATHERED line;
-  state = line.read(*this, [](char c) { return !ends_line(c) && c != '\0'; });
-  const bool ended = state == ios_base::goodbit;
-  if (ended) next_character(*this);
-  // A line is one only if two characters are there to be read, its end and what follows it included.
-  const bool single = line.text.size() + (ended ? 1 : 0) == 1;
-  if (single && ended) state = state_of_next(*this);
-  if (single && state != ios_base::goodbit) {
-    set_position();
-    setstate(state);
-    return "";
+  success = read_line(*this, line);
+  if (success) previous_pos = start;
+  std::string_view text = success ? line.text() : "";
+  if (skip_comments != 0) {
+    for (const char mark : {'%', '#'}) text = text.substr(0, text.find(mark));
   }
-  if (!ended) setstate(state);
-  if (skip_comments != 0) line.text.resize(std::min({line.text.find('%'), line.text.find('#'), line.text.size()}));
-  success = true;
-  previous_pos = start;
-  return line.text.c_str();
+  STRING result;
+  assign(result, text);
+  return result;
 }
 
 int ASCII_FILE::getint() {

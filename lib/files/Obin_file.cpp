@@ -19,6 +19,7 @@ OBIN_FILE::OBIN_FILE(char const* path, int open_mode) : file_name(path) {
 }
 
 OBIN_FILE::~OBIN_FILE() {
+  exceptions(goodbit); // no failure leaves a destructor
   flush();
   close();
 }

@@ -22,39 +22,54 @@ public:
   }
 };
 
-/// The state that `get` would set now: none of its bits if there is a character to read, else eofbit or badbit with
-/// failbit. The stream's own state stays as it is.
-inline std::ios_base::iostate state_of_next(std::istream& in) {
+/// Has `read` read from the stream's buffer. Gives, but does not set, the state that `get` would set then: no bits for
+/// a character, else eofbit or badbit with failbit.
+template <class READ>
+std::ios_base::iostate state_after(std::istream& in, READ read) {
   using std::ios_base;
   if (!in.good()) return ios_base::failbit;
   try {
-    const bool at_end = in.rdbuf()->sgetc() == std::char_traits<char>::eof();
+    const bool at_end = read(*in.rdbuf()) == std::char_traits<char>::eof();
     return at_end ? ios_base::eofbit | ios_base::failbit : ios_base::goodbit;
   } catch (...) { // a directory, for one, opens but cannot be read
     return ios_base::badbit | ios_base::failbit;
   }
 }
 
+/// The state that `get` would set now.
+inline std::ios_base::iostate state_of_next(std::istream& in) {
+  return state_after(in, [](std::streambuf& buffer) { return buffer.sgetc(); });
+}
+
+/// Takes the next character. Gives the state that `get` would set.
+inline std::ios_base::iostate take_character(std::istream& in, char& c) {
+  return state_after(in, [&](std::streambuf& buffer) {
+    const int next = buffer.sbumpc();
+    c = std::char_traits<char>::to_char_type(next);
+    return next;
+  });
+}
+
 /// Hands the stream's characters to `take` in blocks, as its buffer has them, until `take` takes less than it was
-/// handed; what it leaves stays in the stream. `take` returns how many it took. Gives, but does not set, the state that
-/// reading on would set. Setting up a read for each character instead would cost more than all that is done with it.
+/// handed; what it leaves stays in the stream. `take` returns how many it took. Gives the state that reading on would
+/// set. Setting up a read for each character instead would cost more than all that is done with it.
 template <class TAKE>
 std::ios_base::iostate take_characters(std::istream& in, TAKE take) {
   for (;;) {
-    const std::ios_base::iostate state = state_of_next(in);
+    int next = 0;
+    std::ios_base::iostate state = state_after(in, [&](std::streambuf& buffer) { return next = buffer.sgetc(); });
     if (state != std::ios_base::goodbit) return state;
-    std::streambuf& buffer = *in.rdbuf();
-    std::string_view ready = READY::in(buffer);
-    const bool unbuffered = ready.empty();
-    const char single = unbuffered ? std::char_traits<char>::to_char_type(buffer.sgetc()) : '\0';
-    if (unbuffered) ready = {&single, 1};
-    const std::size_t taken = take(ready);
-    if (!unbuffered) {
-      READY::drop(buffer, taken);
-    } else if (taken > 0) {
-      buffer.sbumpc();
+    std::string_view ready = READY::in(*in.rdbuf());
+    if (ready.empty()) { // a buffer that has its characters one by one
+      char single = std::char_traits<char>::to_char_type(next);
+      if (take(std::string_view(&single, 1)) == 0) return state;
+      state = take_character(in, single);
+      if (state != std::ios_base::goodbit) return state;
+    } else {
+      const std::size_t taken = take(ready);
+      READY::drop(*in.rdbuf(), taken);
+      if (taken < ready.size()) return state;
     }
-    if (taken < ready.size()) return state;
   }
 }
 
@@ -65,6 +80,3 @@ std::ios_base::iostate pass_while(std::istream& in, BELONGS belongs) {
     return static_cast<std::size_t>(std::find_if_not(ready.begin(), ready.end(), belongs) - ready.begin());
   });
 }
-
-/// Takes the next character. REQUIRES: there is one.
-inline char next_character(std::istream& in) { return std::char_traits<char>::to_char_type(in.rdbuf()->sbumpc()); }

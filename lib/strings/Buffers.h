@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 
 #include "lib/strings/Stringpp.h"
 
@@ -18,6 +19,17 @@ inline char* take_buffer(std::size_t length) {
   return pBufs[Nb_string--];
 }
 
+/// Trades `old` for a buffer that holds `length` bytes and a terminator. If this throws, `old` is still the caller's.
+inline char* trade_buffer(char* old, std::size_t length) {
+  if (length < standard_size) { // with `old` in it, the pool has a buffer for certain
+    put_ptr(old);
+    return take_buffer(length);
+  }
+  char* const fresh = take_buffer(length);
+  put_ptr(old);
+  return fresh;
+}
+
 /// A new buffer with a copy of `text`, asked for with room for `spare` characters more.
 inline char* copied(char const* text, std::size_t spare) {
   const std::size_t length = std::strlen(text);
@@ -31,4 +43,11 @@ inline void replace(STRING& s, char const* text) {
   char* const fresh = copied(text, 0);
   put_ptr(s.str);
   s.str = fresh;
+}
+
+/// Makes `text`, which lies outside of s and holds no NUL, the text of s.
+inline void assign(STRING& s, std::string_view text) {
+  if (text.size() >= standard_size) s.str = trade_buffer(s.str, text.size());
+  text.copy(s.str, text.size());
+  s.str[text.size()] = '\0';
 }

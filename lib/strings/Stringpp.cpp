@@ -17,17 +17,6 @@ namespace {
 
 constexpr int top_slot = static_cast<int>(std::size(pBufs)) - 1;
 
-/// Trades `old` for a buffer that holds `length` bytes and a terminator. If this throws, `old` is still the caller's.
-char* trade_buffer(char* old, std::size_t length) {
-  if (length < standard_size) { // with `old` in it, the pool has a buffer for certain
-    put_ptr(old);
-    return take_buffer(length);
-  }
-  char* const fresh = take_buffer(length);
-  put_ptr(old);
-  return fresh;
-}
-
 /// Appends `tail`, which may lie in s, to the `length` bytes of s.
 void append(STRING& s, std::size_t length, char const* tail) {
   const std::size_t tail_length = std::strlen(tail);
@@ -52,7 +41,7 @@ void put_ptr(char* p) {
   }
 }
 
-STRING STRING::EMPTY;
+[[gnu::init_priority(199)]] STRING STRING::EMPTY; // before the static objects of programs, which may use it
 
 STRING::STRING() : str(get_ptr(1)), success(true), ok(success) { str[0] = '\0'; }
 

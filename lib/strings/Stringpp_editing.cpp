@@ -148,12 +148,10 @@ STRING STRING::getSTRING() {
     *this = before;
     return "";
   }
-  char* const end = str + std::strcspn(str, " ,");
-  const char delimiter = *end;
-  *end = '\0';
-  const STRING word(str);
-  *end = delimiter;
-  *this = end;
+  const std::size_t length = std::strcspn(str, " ,");
+  STRING word;
+  assign(word, {str, length});
+  *this = str + length;
   return word;
 }
 

@@ -12,10 +12,14 @@ std::istream& operator>>(std::istream& is, STRING& s) {
     char terminator[1];
     return is >> terminator;
   }
-  if (is.width() > 1) is.width(is.width() - 1);
+  const std::streamsize width = is.width();
+  if (width > 1) is.width(width - 1);
 
   std::string word;
-  if (!(is >> word)) return is;
+  if (!(is >> word)) {
+    if (is.width() > 0) is.width(width);
+    return is;
+  }
   if (word.size() > longest) {
     const STRING length = itoa(static_cast<int>(word.size()));
     ERROR_MESSAGER::static_err_message("word is too long (length=" + length + ") to be read from standard input",

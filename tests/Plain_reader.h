@@ -1,0 +1,212 @@
+#pragma once
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// What `ASCII_FILE` does, one character at a time over files in memory: slow, plain, and with all fields left behind.
+struct PLAIN_READER {
+  using TEXT = std::string;
+
+  static inline std::map<TEXT, TEXT> files;
+  static inline std::vector<TEXT> reports;
+  static inline PLAIN_READER* current = nullptr;
+
+  TEXT name, bytes;
+  bool failed = false, at_eof = false, success = false, line_changed = false;
+  int skip_comments = 1;
+  long at = 0, previous = 0;
+  std::unique_ptr<PLAIN_READER> included;
+  PLAIN_READER* parent = nullptr;
+  std::vector<std::pair<TEXT, TEXT>> defs;
+
+  explicit PLAIN_READER(TEXT n) : name(std::move(n)) { open(); }
+  ~PLAIN_READER() { current = nullptr; }
+
+  void open() {
+    const auto found = files.find(name);
+    failed = found == files.end(), success = !failed, at_eof = line_changed = false, at = 0;
+    bytes = failed ? "" : found->second;
+    set_position();
+  }
+  bool get(char& c) {
+    if (!failed && at == std::ssize(bytes)) at_eof = true;
+    failed = failed || at_eof;
+    if (!failed) c = bytes[static_cast<std::size_t>(at++)];
+    return !failed;
+  }
+  long position() const { return failed ? -1 : at; }
+  void set_position() { previous = position(); }
+  void go(long p) {
+    if (failed) open();
+    if (failed) return;
+    at_eof = false;
+    (p < 0 ? failed = true : at = p);
+  }
+  void back() { go(previous); }
+  void rewind() { go(0), set_position(); }
+  bool get_next(char& c) { return set_position(), get(c); }
+  void empty_line() {
+    for (char c = 0; get(c) && c != '\n' && c != '\r' && c != '\0';) continue;
+  }
+  void read_spaces() {
+    char c = ' ';
+    while (get(c) && c == ' ') continue;
+    if (!failed) --at;
+  }
+  static bool allowed(char c) {
+    const TEXT others = "!\"#$()*+-./=\\_{}~";
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || others.find(c) != TEXT::npos;
+  }
+
+  TEXT token() {
+    for (;;) {
+      if (included) {
+        TEXT t = included->token();
+        success = included->success;
+        if (t != "EOF") return mask(t);
+        included.reset();
+      }
+      current = this, line_changed = false, set_position();
+      char c = 0;
+      for (;;) {
+        if (!get(c)) return success = false, "EOF";
+        if (c == '\n' || c == '\r') line_changed = true;
+        if (skip_comments && (c == '%' || c == '#')) {
+          line_changed = true;
+          empty_line();
+        } else if (allowed(c)) {
+          break;
+        }
+      }
+      TEXT t;
+      do t += c;
+      while (get(c) && allowed(c));
+      if (failed) {
+        failed = at_eof = false;
+      } else {
+        --at;
+      }
+      if (t != "#define") return success = true, mask(t);
+      add_def();
+    }
+  }
+  TEXT token_sl() {
+    TEXT t = token();
+    return line_changed ? (back(), success = false, "") : t;
+  }
+  TEXT line() {
+    const long start = position();
+    char c = 0;
+    while (get_next(c) && c == '\n') continue;
+    if (!get_next(c)) return success = false, "";
+    back(), --at;
+    TEXT t;
+    bool comment = false;
+    while (get_next(c) && c != '\n' && c != '\r' && c != '\0') {
+      comment = comment || (skip_comments && (c == '%' || c == '#'));
+      if (!comment) t += c;
+    }
+    return success = true, previous = start, t;
+  }
+  /// A token that `accepts` lets through, with `true` to put one back at the end of the file as well.
+  TEXT number(std::function<bool(TEXT const&)> const& accepts, bool back_at_end) {
+    TEXT t = token();
+    if (!success && !back_at_end) return "0";
+    if (success && accepts(t)) return t;
+    return back(), success = false, "0";
+  }
+  TEXT number_sl(std::function<bool(TEXT const&)> const& accepts, bool back_at_end) {
+    const TEXT t = number(accepts, back_at_end);
+    return line_changed ? (back(), success = false, "0") : t;
+  }
+  void locate_next(TEXT const& key) {
+    success = true;
+    while (token() != key && success) continue;
+  }
+  void skip_until(TEXT const& prefix) {
+    success = true;
+    for (TEXT t = token(); t.rfind(prefix, 0) != 0; t = token()) {
+      if (t == "EOF") return void(success = false);
+    }
+    back();
+  }
+
+  void add_def() {
+    TEXT word[2];
+    for (const bool value : {false, true}) {
+      read_spaces();
+      for (char c = 0; c != ' ';) {
+        if (!get(c)) {
+          if (!value) return reports.push_back("unxpected end of file met while reading #define");
+          break;
+        }
+        const bool end = c == '\n' || c == '\r';
+        if (c == ' ' || (end && value)) break;
+        if (end) reports.push_back("unxpected end of file met while reading #define");
+        if (!end && (!allowed(c) || c == '#')) reports.push_back("character not allowed in #define");
+        if (c != '\0') word[value] += c;
+      }
+    }
+    auto& table = root().defs;
+    for (auto const& [key, value] : table) {
+      if (key == word[0]) {
+        reports.push_back("Def key in");
+        break;
+      }
+    }
+    table.emplace_back(word[0], word[1]);
+  }
+  PLAIN_READER& root() { return parent ? parent->root() : *this; }
+  TEXT mask(TEXT const& word) {
+    for (auto const& [key, value] : root().defs) {
+      if (key == word) return value;
+    }
+    return word;
+  }
+  void include() {
+    const TEXT path = token();
+    included = std::make_unique<PLAIN_READER>(path);
+    included->parent = this;
+  }
+
+  static void file_info(TEXT& file, int& line) {
+    if (!current) return;
+    PLAIN_READER& f = *current;
+    const bool before = f.success;
+    const long end = f.position();
+    file = f.name, line = 1;
+    f.go(0);
+    TEXT text;
+    for (char c = 0; f.position() < end && f.get_next(c);) {
+      if (c != '\0') text += c;
+      if (c != '\n' && c != '\r') continue;
+      line += line < INT_MAX;
+      if (text[0] == '#' && text.find(' ') != TEXT::npos) marker(text.substr(text.find(' ') + 1), file, line);
+      text = "";
+    }
+    f.success = before;
+  }
+  static void marker(TEXT rest, TEXT& file, int& line) {
+    const TEXT number = word_of(rest);
+    if (number.empty() || number.find_first_not_of("0123456789", number[0] == '+' || number[0] == '-') != TEXT::npos)
+      return;
+    line = static_cast<int>(std::clamp<long>(std::strtol(number.c_str(), nullptr, 10), INT_MIN, INT_MAX));
+    if (rest.find_first_not_of(' ') == TEXT::npos) return;
+    file = word_of(rest);
+    std::replace(file.begin(), file.end(), '"', ' ');
+  }
+  static TEXT word_of(TEXT& rest) {
+    rest.erase(0, std::min(rest.size(), rest.find_first_not_of(' ')));
+    rest.erase(rest.find_last_not_of(' ') + 1);
+    TEXT word = rest.substr(0, rest.find_first_of(" ,"));
+    rest.erase(0, word.size());
+    return word;
+  }
+};

@@ -54,7 +54,7 @@ std::string number(double x) { return dtoa(x, "%.17g").str; }
 
 /// The text up to the first NUL, then an operation with its character in each pair of bytes.
 void check(std::string const& input) {
-  std::string text = input.c_str(); // NOLINT(readability-redundant-string-cstr)
+  std::string text = input.c_str();
   STRING s(text.c_str());
   for (std::size_t i = text.size() + 1; i + 1 < input.size(); i += 2) {
     const char c = input[i + 1] == '\0' ? 'x' : input[i + 1];

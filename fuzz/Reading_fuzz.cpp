@@ -11,10 +11,6 @@ void check(std::string const& input) {
     return part;
   };
   const std::string program = take("\n").substr(0, 100);
-  for (char const* const name : {"f1", "f2", "f0"}) {
-    std::string bytes = take("\n--\n");
-    put(name, bytes);
-    PLAIN_READER::files[name] = std::move(bytes);
-  }
+  for (char const* const name : {"f1", "f2", "f0"}) put(name, take("\n--\n"));
   same(first_difference(program), "");
 }

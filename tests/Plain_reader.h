@@ -4,22 +4,23 @@
 #include <climits>
 #include <cstdlib>
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
-/// What `ASCII_FILE` does, one character at a time over files in memory: slow, plain, and with all fields left behind.
+#include "tests/Scratch_directory.h"
+
+/// What `ASCII_FILE` does, one character at a time over text that it holds whole: slow, plain, and with all fields left
+/// behind.
 struct PLAIN_READER {
   using TEXT = std::string;
 
-  static inline std::map<TEXT, TEXT> files;
   static inline std::vector<TEXT> reports;
   static inline PLAIN_READER* current = nullptr;
 
   TEXT name, bytes;
-  bool failed = false, at_eof = false, success = false, line_changed = false;
+  bool failed = false, broken = false, at_eof = false, success = false, line_changed = false;
   int skip_comments = 1;
   long at = 0, previous = 0;
   std::unique_ptr<PLAIN_READER> included;
@@ -30,14 +31,17 @@ struct PLAIN_READER {
   ~PLAIN_READER() { current = nullptr; }
 
   void open() {
-    const auto found = files.find(name);
-    failed = found == files.end(), success = !failed, at_eof = line_changed = false, at = 0;
-    bytes = failed ? "" : found->second;
+    std::error_code none;
+    const auto kind = std::filesystem::status(name, none).type();
+    failed = kind == std::filesystem::file_type::not_found || name.empty(), success = !failed;
+    broken = kind == std::filesystem::file_type::directory;
+    bytes = failed || broken ? "" : contents(name);
+    at_eof = line_changed = false, at = 0;
     set_position();
   }
   bool get(char& c) {
-    if (!failed && at == std::ssize(bytes)) at_eof = true;
-    failed = failed || at_eof;
+    if (!failed && !broken && at == std::ssize(bytes)) at_eof = true;
+    failed = failed || at_eof || broken;
     if (!failed) c = bytes[static_cast<std::size_t>(at++)];
     return !failed;
   }

@@ -71,7 +71,7 @@ constexpr READER_OPERATION reader_operations[] = {
     {[](ASCII_FILE& f, WORD_ w) { f.back(); return w; }, [](PLAIN_READER& f, WORD_ w) { f.back(); return w; }},
     {[](ASCII_FILE& f, WORD_ w) { f.rewind(); return w; }, [](PLAIN_READER& f, WORD_ w) { f.rewind(); return w; }},
     {[](ASCII_FILE& f, WORD_ w) { f.get_next_char(); return w; }, [](PLAIN_READER& f, WORD_ w) { char c; f.get_next(c); return w; }},
-    {[](ASCII_FILE& f, WORD_ w) { f.peek(); return w; }, [](PLAIN_READER& f, WORD_ w) { f.at_eof || f.failed ? f.failed = true : f.at_eof = f.at == std::ssize(f.bytes); return w; }},
+    {[](ASCII_FILE& f, WORD_ w) { f.peek(); return w; }, [](PLAIN_READER& f, WORD_ w) { f.at_eof || f.failed || f.broken ? f.failed = true : f.at_eof = f.at == std::ssize(f.bytes); return w; }},
     {[](ASCII_FILE& f, WORD_ w) { f.empty_line(); return w; }, [](PLAIN_READER& f, WORD_ w) { f.empty_line(); return w; }},
     {[](ASCII_FILE& f, WORD_ w) { f.read_spaces(); return w; }, [](PLAIN_READER& f, WORD_ w) { f.read_spaces(); return w; }},
     {[](ASCII_FILE& f, WORD_ w) { (ASCII_FILE::current_file ? *ASCII_FILE::current_file : f).skip_comments ^= 1; return w; },
@@ -96,8 +96,8 @@ inline std::string fields(PLAIN_READER& f) {
   return text.str() + (f.included ? " | " + fields(*f.included) : "");
 }
 
-/// Runs the operations that the bytes of `program` choose on "f0" among the files of `PLAIN_READER`, which the working
-/// directory holds as well. Gives the first step after which a result, a report or a field differs; empty if none does.
+/// Runs the operations that the bytes of `program` choose on the file "f0". Gives the first step after which a result,
+/// a report or a field differs; empty if none does.
 inline std::string first_difference(std::string const& program) {
   static const char* const words[] = {"f1", "a", "EOF", "12", "", "1.5", "#define"};
   COLLECTING_MESSAGER messager;

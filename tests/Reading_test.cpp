@@ -122,45 +122,18 @@ TEST(Reading, TreatsEveryByteAsItsKind) {
 }
 
 TEST(Reading, LeavesTheFieldsThatReadingByCharactersLeaves) {
-  static char const* const pieces[] = {" ",
-                                       "  ",
-                                       "\n",
-                                       "\r",
-                                       "\r\n",
-                                       "\n\n",
-                                       "a",
-                                       "b",
-                                       "12",
-                                       "-7",
-                                       "1.5",
-                                       ".5",
-                                       "f1",
-                                       "f2",
-                                       "none",
-                                       "EOF",
-                                       "#define ",
-                                       "#define A ",
-                                       "A",
-                                       "\xe9",
-                                       "%",
-                                       "# ",
-                                       ",",
-                                       "\t",
-                                       ";",
-                                       "# 9 \"\"f\n",
-                                       "#define a b\n",
-                                       "# 40 \"x y\" 1\n",
-                                       "\n# 2147483647 f\n"};
+  std::istringstream list(
+      " |  |\n|\r|\r\n|\n\n|a|b|12|-7|1.5|.5|f1|f2|none|.|EOF|#define |#define A |#define a b\n|A|\xe9|%|# |,|\t|;|"
+      "# 9 \"\"f\n|# 40 \"x y\" 1\n|\n# 2147483647 f\n");
+  std::vector<std::string> pieces = {"\0"s};
+  for (std::string piece; std::getline(list, piece, '|');) pieces.push_back(piece);
   const SCRATCH_DIRECTORY scratch;
   for (unsigned seed = 0; seed < 400; ++seed) {
     std::mt19937 random(seed);
     for (std::string const name : {"f0", "f1", "f2"}) {
-      std::string& text = PLAIN_READER::files[name] = "";
+      std::string text;
       const std::size_t length = seed % 100 == 0 ? 70'000 : random() % 150;
-      while (text.size() < length) {
-        const std::size_t piece = random() % (std::size(pieces) + 1);
-        text += piece == std::size(pieces) ? "\0"s : pieces[piece];
-      }
+      while (text.size() < length) text += pieces[random() % pieces.size()];
       put(name, text);
     }
     std::string program(160, ' ');

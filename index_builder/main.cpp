@@ -6,6 +6,7 @@
 #include <iostream>
 #include <iterator>
 #include <limits>
+#include <new>
 #include <string_view>
 
 #include "index_builder/Index_reader.h"
@@ -122,10 +123,7 @@ bool build_index(std::fstream& sorted, std::ostream& out) {
   return true;
 }
 
-} // namespace
-
-int main(int argc, char* argv[]) {
-  const STRING input = STRING(argc > 1 ? argv[1] : "") + ".idx";
+void make_index(STRING const& input) {
   static char output_buffer[1 << 16]; // the stream's own would mean a system call for every 8 KB
   ASCII_FILE output;
   output.rdbuf()->pubsetbuf(output_buffer, sizeof output_buffer);
@@ -137,5 +135,15 @@ int main(int argc, char* argv[]) {
   if (!sorted.is_open() || sorted.bad()) std::cerr << "kindex: cannot read oo\n";
 
   if (any_entry) run_in_shell("rm -f oo");
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+  try {
+    make_index(STRING(argc > 1 ? argv[1] : "") + ".idx");
+  } catch (std::bad_alloc const&) {
+    std::cerr << "kindex: out of memory\n";
+  }
   return 0;
 }

@@ -1,14 +1,15 @@
 #pragma once
 
 #include <algorithm>
+#include <cctype>
 #include <climits>
-#include <cstdlib>
-#include <functional>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "lib/strings/Stringpp.h"
 #include "tests/Scratch_directory.h"
 
 /// What `ASCII_FILE` does, one character at a time over text that it holds whole: slow, plain, and with all fields left
@@ -65,8 +66,7 @@ struct PLAIN_READER {
     if (!failed) --at;
   }
   static bool allowed(char c) {
-    const TEXT others = "!\"#$()*+-./=\\_{}~";
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || others.find(c) != TEXT::npos;
+    return c != '\0' && (isascii(c) != 0) && (std::isalnum(c) != 0 || std::strchr("!\"#$()*+-./=\\_{}~", c) != nullptr);
   }
 
   TEXT token() {
@@ -92,19 +92,13 @@ struct PLAIN_READER {
       TEXT t;
       do t += c;
       while (get(c) && allowed(c));
-      if (failed) {
-        failed = at_eof = false;
-      } else {
-        --at;
-      }
+      failed ? failed = at_eof = false : --at;
       if (t != "#define") return success = true, mask(t);
       add_def();
     }
   }
-  TEXT token_sl() {
-    TEXT t = token();
-    return line_changed ? (back(), success = false, "") : t;
-  }
+  /// What was read, if it stands on the current line.
+  TEXT same_line(TEXT const& read) { return line_changed ? (back(), success = false, "") : read; }
   TEXT line() {
     const long start = position();
     char c = 0;
@@ -120,15 +114,11 @@ struct PLAIN_READER {
     return success = true, previous = start, t;
   }
   /// A token that `accepts` lets through, with `true` to put one back at the end of the file as well.
-  TEXT number(std::function<bool(TEXT const&)> const& accepts, bool back_at_end) {
+  TEXT number(bool (*accepts)(TEXT const&), bool back_at_end) {
     TEXT t = token();
-    if (!success && !back_at_end) return "0";
     if (success && accepts(t)) return t;
-    return back(), success = false, "0";
-  }
-  TEXT number_sl(std::function<bool(TEXT const&)> const& accepts, bool back_at_end) {
-    const TEXT t = number(accepts, back_at_end);
-    return line_changed ? (back(), success = false, "0") : t;
+    if (success || back_at_end) back();
+    return success = false, "0";
   }
   void locate_next(TEXT const& key) {
     success = true;
@@ -147,10 +137,8 @@ struct PLAIN_READER {
     for (const bool value : {false, true}) {
       read_spaces();
       for (char c = 0; c != ' ';) {
-        if (!get(c)) {
-          if (!value) return reports.push_back("unxpected end of file met while reading #define");
-          break;
-        }
+        if (!get(c) && !value) return reports.push_back("unxpected end of file met while reading #define");
+        if (failed) break;
         const bool end = c == '\n' || c == '\r';
         if (c == ' ' || (end && value)) break;
         if (end) reports.push_back("unxpected end of file met while reading #define");
@@ -159,12 +147,8 @@ struct PLAIN_READER {
       }
     }
     auto& table = root().defs;
-    for (auto const& [key, value] : table) {
-      if (key == word[0]) {
-        reports.push_back("Def key in");
-        break;
-      }
-    }
+    const auto same_key = [&](auto const& def) { return def.first == word[0]; };
+    if (std::any_of(table.begin(), table.end(), same_key)) reports.push_back("Def key in");
     table.emplace_back(word[0], word[1]);
   }
   PLAIN_READER& root() { return parent ? parent->root() : *this; }
@@ -175,8 +159,7 @@ struct PLAIN_READER {
     return word;
   }
   void include() {
-    const TEXT path = token();
-    included = std::make_unique<PLAIN_READER>(path);
+    included = std::make_unique<PLAIN_READER>(token());
     included->parent = this;
   }
 
@@ -197,20 +180,14 @@ struct PLAIN_READER {
     }
     f.success = before;
   }
-  static void marker(TEXT rest, TEXT& file, int& line) {
-    const TEXT number = word_of(rest);
-    if (number.empty() || number.find_first_not_of("0123456789", number[0] == '+' || number[0] == '-') != TEXT::npos)
-      return;
-    line = static_cast<int>(std::clamp<long>(std::strtol(number.c_str(), nullptr, 10), INT_MIN, INT_MAX));
-    if (rest.find_first_not_of(' ') == TEXT::npos) return;
-    file = word_of(rest);
+  static void marker(TEXT const& words, TEXT& file, int& line) {
+    STRING rest(words.c_str());
+    const int number = rest.getint();
+    if (!rest.ok) return;
+    line = number;
+    const TEXT word = rest.getSTRING().str;
+    if (!rest.ok) return;
+    file = word;
     std::replace(file.begin(), file.end(), '"', ' ');
-  }
-  static TEXT word_of(TEXT& rest) {
-    rest.erase(0, std::min(rest.size(), rest.find_first_not_of(' ')));
-    rest.erase(rest.find_last_not_of(' ') + 1);
-    TEXT word = rest.substr(0, rest.find_first_of(" ,"));
-    rest.erase(0, word.size());
-    return word;
   }
 };

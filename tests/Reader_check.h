@@ -53,12 +53,12 @@ inline std::string plain_list_text(PLAIN_READER& f, int count) {
 using WORD_ = std::string const&;
 constexpr READER_OPERATION reader_operations[] = {
     {[](ASCII_FILE& f, WORD_) { return std::string(f.getSTRING().str); }, [](PLAIN_READER& f, WORD_) { return f.token(); }},
-    {[](ASCII_FILE& f, WORD_) { return std::string(f.getSTRING_sl().str); }, [](PLAIN_READER& f, WORD_) { return f.token_sl(); }},
+    {[](ASCII_FILE& f, WORD_) { return std::string(f.getSTRING_sl().str); }, [](PLAIN_READER& f, WORD_) { return f.same_line(f.token()); }},
     {[](ASCII_FILE& f, WORD_) { return std::string(f.getline().str); }, [](PLAIN_READER& f, WORD_) { return f.line(); }},
     {[](ASCII_FILE& f, WORD_) { return number_text(f.getint()); }, [](PLAIN_READER& f, WORD_) { return int_text(f.number(is_int, false)); }},
-    {[](ASCII_FILE& f, WORD_) { return number_text(f.getint_sl()); }, [](PLAIN_READER& f, WORD_) { return int_text(f.number_sl(is_int, false)); }},
+    {[](ASCII_FILE& f, WORD_) { return number_text(f.getint_sl()); }, [](PLAIN_READER& f, WORD_) { return int_text(f.same_line(f.number(is_int, false))); }},
     {[](ASCII_FILE& f, WORD_) { return number_text(f.getdouble()); }, [](PLAIN_READER& f, WORD_) { return real_text(f.number(is_double, true)); }},
-    {[](ASCII_FILE& f, WORD_) { return number_text(f.getdouble_sl()); }, [](PLAIN_READER& f, WORD_) { return real_text(f.number_sl(is_double, true)); }},
+    {[](ASCII_FILE& f, WORD_) { return number_text(f.getdouble_sl()); }, [](PLAIN_READER& f, WORD_) { return real_text(f.same_line(f.number(is_double, true))); }},
     {[](ASCII_FILE& f, WORD_) { return list_text(f, 0); }, [](PLAIN_READER& f, WORD_) { return plain_list_text(f, 0); }},
     {[](ASCII_FILE& f, WORD_ w) { return list_text(f, int(w.size())); }, [](PLAIN_READER& f, WORD_ w) { return plain_list_text(f, int(w.size())); }},
     {[](ASCII_FILE& f, WORD_ w) { f.locate_next(w.c_str()); return w; }, [](PLAIN_READER& f, WORD_ w) { f.locate_next(w); return w; }},

@@ -19,7 +19,9 @@ namespace {
   std::exit(EXIT_FAILURE);
 }
 
-/// Finds the project's directories by the names of nodes. Names are read only of nodes that it does not remember.
+/// Finds the project's directories by the names of nodes. Names are read only of nodes that it does not remember:
+/// without that, and without fetching files ahead of their turn, writing a large project takes more than twice the
+/// time.
 class DIRECTORY_FINDER {
 public:
   explicit DIRECTORY_FINDER(std::span<SOURCE_DIR*> dirs) : remembered(std::size_t{1} << index_bits) {

@@ -131,6 +131,9 @@ TEST(WordInput, ReadsWordsAndReportsTheLongOnes) {
   EXPECT_TRUE(is >> s && s == "g");
   EXPECT_FALSE(is >> s);
   EXPECT_TRUE(s == "g" && is.eof());
+  is.clear();
+  is.width(5);
+  EXPECT_TRUE(!(is >> s) && is.width() == 5);
 }
 
 } // namespace

@@ -46,6 +46,9 @@ FILE* fopen(char const* path, char const* mode) {
 }
 FILE* fopen64(char const* path, char const* mode) { return fopen(path, mode); }
 DIR* opendir(char const* path) { return fails(opening) ? nullptr : real<DIR*(char const*)>("opendir")(path); }
+int open(char const* path, int flags, ...) {
+  return fails(opening) ? -1 : real<int(char const*, int, ...)>("open")(path, flags, 0666);
+}
 int chdir(char const* path) noexcept { return fails(opening) ? -1 : real<int(char const*)>("chdir")(path); }
 char* getcwd(char* path, size_t size) noexcept {
   return fails(opening) ? nullptr : real<char*(char*, size_t)>("getcwd")(path, size);
@@ -72,10 +75,16 @@ int descriptors() {
   return static_cast<int>(std::distance(begin(all), end(all)));
 }
 
+std::string complaints; // of all runs of kindex
+
 std::string run_kindex() {
   static char program[] = "kindex", name[] = "document";
   static char* arguments[] = {program, name, nullptr};
+  const std::ostringstream said;
+  std::streambuf* const standard_error = std::cerr.rdbuf(said.rdbuf());
   EXPECT_NO_THROW(EXPECT_EQ(kindex_main(2, arguments), 0));
+  std::cerr.rdbuf(standard_error);
+  complaints += said.str();
   return contents("kindex.tex");
 }
 
@@ -162,7 +171,7 @@ TEST(Faults, LeaveNothingBehindWhicheverCallFails) {
       "#define K v\n 1 2 K in f1 x\n # 7 f x\n" + std::string(20000, ' ') + "y\n#define K " + std::string(600, 'v'));
   put("f1", "% c\ninner 3 4\nline");
   std::filesystem::create_directory("tree");
-  put("tree/Main.c", "#include <A.h>\n" + std::string(3000, '\n') + "#include <B.h>\n");
+  put("tree/Main.c", "#include <A.h>\n" + std::string(3000, '\n') + "#include <B.h>\n#include <Unended.h>");
   const auto directory = std::filesystem::current_path();
   const int open_before = descriptors();
   for (auto* const run : {run_kindex, run_reader, run_binary_file, run_scanner, run_writers}) {
@@ -179,6 +188,21 @@ TEST(Faults, LeaveNothingBehindWhicheverCallFails) {
     }
   }
   std::cout.rdbuf(standard);
+  EXPECT_NE(complaints.find("kindex: out of memory\n"), std::string::npos);
+  EXPECT_NE(complaints.find("kindex: cannot read oo\n"), std::string::npos);
+}
+
+TEST(Faults, KeepWhatAFileHoldsThatCannotBeReopened) {
+  const SCRATCH_DIRECTORY scratch;
+  ASCII_FILE f("file", 48);
+  f << "precious" << std::flush;
+  while (f.get() != EOF) continue;
+  failing = opening, until_failure = 1;
+  f.rewind();
+  failing = none;
+  EXPECT_TRUE(f.fail() && !f.ok);
+  f.rewind();
+  EXPECT_TRUE(f.getSTRING() == "precious" && contents("file") == "precious");
 }
 
 } // namespace

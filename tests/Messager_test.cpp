@@ -109,6 +109,11 @@ TEST(BinaryFile, OpensForBothAndReports) {
   f.open("old", 32);
   EXPECT_EQ(contents("new"), std::string("\2\0\0\0hi", 6));
   EXPECT_TRUE(f.good() && contents("old").empty());
+  {
+    OBIN_FILE full("/dev/full", 0); // what is pending cannot be written when this ends
+    full << "lost";
+    full.exceptions(std::ios_base::badbit | std::ios_base::failbit);
+  }
   RETURNING returning;
   MESSAGER::reassign_error_messager(&returning);
   testing::internal::CaptureStderr();

@@ -112,6 +112,7 @@ TEST(MakeProject, WritesTheExample) {
   const MAKE_MODEL model{false, {{"kutil", {"kutil"}}}, {{"ktool", {"ktool", "kutil"}}}};
   check_make_file(model, "");
   EXPECT_EQ(contents("kmakefile"), contents(TEST_DATA "/make_example.txt"));
+  check_make_file({false, {{"k" + std::string(70'000, 'l'), {"k"}}}, {}}, "long");
   check_make_file(model, "no/directory");
   check_make_file({}, "nothing");
 }

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "lib/files/File.h"
+#include "tests/Allocations.h"
 #include "tests/Reader_check.h"
 #include "tests/Scratch_directory.h"
 
@@ -200,6 +201,18 @@ TEST(Reading, GoesOnAfterReportsThatReturn) {
   }
 }
 
+TEST(Reading, KeepsKeysBesideTheirValuesWhenMemoryFails) {
+  bool thrown = true;
+  for (int n = 1; thrown; ++n) {
+    ASCII_FILE f;
+    f.validate_def("a", "1");
+    thrown = throws_at_allocation(n, [&] { f.validate_def("b", "2"); });
+    f.validate_def("c", "3");
+    STRING word("c");
+    EXPECT_EQ(f.def_mask(word), "3") << n;
+  }
+}
+
 TEST(Reading, EndsWhereNothingCanBeRead) {
   const SCRATCH_DIRECTORY scratch;
   for (char const* const path : {"missing", "."}) {
@@ -212,8 +225,16 @@ TEST(Reading, EndsWhereNothingCanBeRead) {
   ASCII_FILE f("input", 0);
   f.get();
   std::filesystem::resize_file("input", 10);
-  f.getSTRING();
-  EXPECT_TRUE(f.ok && f.getSTRING() == "EOF");
+  const STRING token = f.getSTRING();
+  for (const long beyond : {1, 2}) {
+    f.goto_position(10 + beyond);
+    STRING name;
+    int line = 0;
+    ASCII_FILE::get_file_info(name, line);
+    EXPECT_TRUE(f.fail() && line == 1 && f.previous_pos == std::streampos(beyond == 1 ? 10 : -1));
+  }
+  f.goto_position(10);
+  EXPECT_TRUE(token.start_with("xxxxx") && f.ok && f.getSTRING() == "EOF");
   std::filesystem::remove("input");
   f.back();
   EXPECT_TRUE(f.fail() && f.getSTRING() == "EOF" && f.getline() == "" && !f.ok);

@@ -15,6 +15,7 @@ public:
   /// Ends the process with status 1, static objects destroyed and streams flushed.
   virtual void do_EXIT();
 
+  /// Report an error, with the class and the place it comes from as far as these are given.
   virtual void err_message(STRING class_name, STRING text, char const* source_file, int source_line);
   virtual void err_message(STRING text, char const* source_file, int source_line);
   virtual void err_message(STRING text);
@@ -22,11 +23,13 @@ public:
   /// Reports trouble with the user's input, with the name and the line of the file being read.
   virtual void input_error(STRING text);
 
+  /// Reports that the program lacks something.
   virtual void not_implemented_error(STRING text, char const* source_file, int source_line);
 
   /// Ends the process with status 1 itself, not through `do_EXIT`.
   virtual void critical(STRING text);
 
+  /// Tell the user something; both return.
   virtual void message(STRING text);
   virtual void alert(STRING text);
 
@@ -39,8 +42,7 @@ public:
   /// null.
   static void reassign_error_messager(ERROR_MESSAGER* messager);
 
-  // Each of these hands its arguments to the operation of the active messager that it is named for.
-
+  /// Each of these hands its arguments to the operation of the active messager that it is named for.
   static void EXIT();
   static void static_err_message(STRING class_name, STRING text, char const* source_file, int source_line);
   static void static_err_message(STRING text, char const* source_file, int source_line);
@@ -60,8 +62,7 @@ extern constinit ERROR_MESSAGER default_messager;
 /// An empty text to begin a message with: `EMPTY + "no such unit: " + name`.
 extern STRING EMPTY;
 
-// For readers of input: report, as input errors, a name they do not know and a value they cannot read.
-
+/// For readers of input: report, as input errors, a name they do not know and a value they cannot read.
 void UNKNOWN_COEF(STRING name);
 void UNKNOWN_COMMAND(STRING name);
 void KBAD(STRING text);

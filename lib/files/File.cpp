@@ -1,5 +1,7 @@
 #include "lib/files/File.h"
 
+#include <filesystem>
+
 using std::ios_base;
 
 static_assert(ios_base::app == 1 && ios_base::ate == 2 && ios_base::binary == 4 && ios_base::in == 8 &&
@@ -7,6 +9,15 @@ static_assert(ios_base::app == 1 && ios_base::ate == 2 && ios_base::binary == 4 
               "open modes are handed to the stream as they are");
 
 constinit ASCII_FILE* ASCII_FILE::current_file = nullptr;
+
+namespace {
+
+bool is_missing(STRING const& path) {
+  std::error_code unknown;
+  return !std::filesystem::exists(path.str, unknown) && !unknown;
+}
+
+} // namespace
 
 ASCII_FILE::ASCII_FILE()
     : mode(ios_base::in), name(file_name), success(false), ok(success), skip_comments(1), line_changed(false),
@@ -63,7 +74,7 @@ void ASCII_FILE::goto_position(std::streampos p) {
   if (fail()) {
     close();
     open_stream(name.str, mode & ~ios_base::trunc); // truncating again would lose what the file holds
-    if (fail()) open_stream(name.str, mode);        // only a missing file opens now
+    if (fail() && (mode & ios_base::trunc) != 0 && is_missing(name)) open_stream(name.str, mode);
   }
   if (mode & ios_base::in) seekg(p);
   if (mode & ios_base::out) seekp(p);

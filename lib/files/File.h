@@ -78,6 +78,7 @@ public:
   /// Ends the use of the file; includes and macros remain. Without an open file the stream gets the fail state.
   void close();
 
+  /// Whether there is a file that a token was last read from.
   static bool if_current_file();
 
   /// The input position; -1 for a failed stream.
@@ -89,6 +90,7 @@ public:
   /// Moves reading, and writing where the mode has it, to p; a failed stream is reopened first.
   void goto_position(std::streampos p);
 
+  /// Moves to p and records it for `back`.
   void goto_position_and_set_previous_pos(std::streampos p);
 
   /// Moves to the start and records it for `back`.
@@ -150,7 +152,8 @@ public:
   void locate_next(STRING const& key);
   void locate_next(char const* key);
 
-  /// Reads up to the next token that begins with `prefix`, which stays unread; `ok` is false without one.
+  /// Reads up to the next token that begins with `prefix`, which stays unread; `ok` is false without one. The "EOF" at
+  /// the end is a token here.
   void skip_until_word_start_with(STRING const& prefix);
 
   /// Reads the key and the value behind a "#define" token. Characters no token can hold, and '#', are reported but
@@ -190,7 +193,10 @@ public:
   /// The name given last, also when opening failed.
   STRING file_name;
 
+  /// No file is open.
   OBIN_FILE();
+
+  /// Opens the file or reports that it cannot be opened.
   OBIN_FILE(char const* path, int open_mode);
 
   OBIN_FILE(OBIN_FILE const&) = delete;

@@ -99,10 +99,11 @@ void ASCII_FILE::get_file_info(STRING& file, int& line) {
   char block[1 << 15];
   std::streamoff left = position;
   for (; left > 0 && f.good(); left -= f.gcount()) {
-    f.std::istream::read(block, std::min<std::streamoff>(left, sizeof block));
+    f.read(block, std::min<std::streamoff>(left, sizeof block));
     counter.take({block, static_cast<std::size_t>(f.gcount())});
   }
-  if (position > 0) f.previous_pos = left <= 1 ? position - 1 : std::streamoff(-1); // the file may have become shorter
+  const bool read_all = left <= 1; // what read its characters one by one would not notice that the last is missing
+  if (position > 0) f.previous_pos = read_all ? position - 1 : std::streamoff(-1);
   line = counter.line();
   f.success = success_before;
 }

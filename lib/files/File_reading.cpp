@@ -120,6 +120,16 @@ bool read_line(ASCII_FILE& file, GATHERED& line) {
   return !none;
 }
 
+/// The number that `read` gives, unless it stands on another line.
+template <class NUMBER>
+NUMBER on_same_line(ASCII_FILE& file, NUMBER (ASCII_FILE::*read)()) {
+  const NUMBER number = (file.*read)();
+  if (!file.line_changed) return number;
+  file.back();
+  file.success = false;
+  return 0;
+}
+
 } // namespace
 
 int ASCII_FILE::allowed_character(int ch) const { // NOLINT(readability-convert-member-functions-to-static)
@@ -187,20 +197,6 @@ double ASCII_FILE::getdouble() {
   success = false;
   return 0.0;
 }
-
-namespace {
-
-/// The number that `read` gives, unless it stands on another line.
-template <class NUMBER>
-NUMBER on_same_line(ASCII_FILE& file, NUMBER (ASCII_FILE::*read)()) {
-  const NUMBER number = (file.*read)();
-  if (!file.line_changed) return number;
-  file.back();
-  file.success = false;
-  return 0;
-}
-
-} // namespace
 
 int ASCII_FILE::getint_sl() { return on_same_line(*this, &ASCII_FILE::getint); }
 

@@ -7,17 +7,18 @@
 /// Each of the two counts as a line end of its own.
 inline bool ends_line(char c) { return c == '\n' || c == '\r'; }
 
-/// The characters a stream's buffer holds ready, which it shows to classes derived from it alone.
-class READY : private std::streambuf {
+/// The characters a stream's buffer holds ready. It shows them to classes derived from it alone, which may also hand
+/// out pointers to the members that do.
+class BUFFER_CONTENT : private std::streambuf {
 public:
   static std::string_view in(std::streambuf const& buffer) {
-    constexpr auto begin = &READY::gptr;
-    constexpr auto end = &READY::egptr;
+    constexpr auto begin = &BUFFER_CONTENT::gptr;
+    constexpr auto end = &BUFFER_CONTENT::egptr;
     return {(buffer.*begin)(), (buffer.*end)()};
   }
 
   static void drop(std::streambuf& buffer, std::size_t n) {
-    constexpr auto advance = &READY::gbump;
+    constexpr auto advance = &BUFFER_CONTENT::gbump;
     (buffer.*advance)(static_cast<int>(n));
   }
 };
@@ -59,7 +60,7 @@ std::ios_base::iostate take_characters(std::istream& in, TAKE take) {
     int next = 0;
     std::ios_base::iostate state = state_after(in, [&](std::streambuf& buffer) { return next = buffer.sgetc(); });
     if (state != std::ios_base::goodbit) return state;
-    std::string_view ready = READY::in(*in.rdbuf());
+    std::string_view ready = BUFFER_CONTENT::in(*in.rdbuf());
     if (ready.empty()) { // a buffer that has its characters one by one
       char single = std::char_traits<char>::to_char_type(next);
       if (take(std::string_view(&single, 1)) == 0) return state;
@@ -67,7 +68,7 @@ std::ios_base::iostate take_characters(std::istream& in, TAKE take) {
       if (state != std::ios_base::goodbit) return state;
     } else {
       const std::size_t taken = take(ready);
-      READY::drop(*in.rdbuf(), taken);
+      BUFFER_CONTENT::drop(*in.rdbuf(), taken);
       if (taken < ready.size()) return state;
     }
   }

@@ -28,6 +28,13 @@ void append(STRING& s, std::size_t length, char const* tail) {
   s.str = fresh;
 }
 
+template <class LEFT, class RIGHT>
+STRING joined(LEFT const& a, RIGHT const& b) {
+  STRING text(a);
+  text += b;
+  return text;
+}
+
 } // namespace
 
 char* get_ptr(int n) { return take_buffer(n > 0 ? static_cast<std::size_t>(n) : 0); }
@@ -129,20 +136,9 @@ int strn_cmp(STRING const& a, char const* b, int n) {
 
 int strn_cmp(STRING const& a, STRING const& b, int n) { return strn_cmp(a.str, b, n); }
 
-namespace {
-
-template <class LEFT, class RIGHT>
-STRING joined(LEFT const& a, RIGHT const& b) {
-  STRING text(a);
-  text += b;
-  return text;
-}
-
-} // namespace
-
 STRING operator+(STRING const& a, STRING const& b) {
   STRING text(a);
-  append(text, std::strlen(a.str), b.str);
+  append(text, std::strlen(a.str), b.str); // measuring the copy would wait until it is written
   return text;
 }
 STRING operator+(STRING const& a, char const* b) { return joined(a, b); }

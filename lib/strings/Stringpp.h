@@ -40,6 +40,7 @@ public:
   /// An empty text, built during static initialisation.
   static STRING EMPTY;
 
+  /// The empty text.
   STRING();
 
   /// A copy of s; a null s gives the empty text.
@@ -58,8 +59,7 @@ public:
   STRING& operator=(STRING const& s);
   STRING& operator=(char c);
 
-  // Comparisons are those of strcmp: byte by byte, bytes unsigned, case significant.
-
+  /// Comparisons are those of strcmp: byte by byte, bytes unsigned, case significant.
   bool operator==(char const* s) const;
   bool operator==(STRING const& s) const;
 
@@ -121,6 +121,7 @@ public:
   /// Keeps what follows the last '/'.
   STRING& basename();
 
+  /// Whether the text begins or ends with s; an empty s is always there.
   bool start_with(STRING const& s) const;
   bool end_with(STRING const& s) const;
 
@@ -152,6 +153,7 @@ int strn_cmp(char const* a, STRING const& b, int n);
 int strn_cmp(STRING const& a, char const* b, int n);
 int strn_cmp(STRING const& a, STRING const& b, int n);
 
+/// Both texts, one behind the other; neither changes.
 STRING operator+(STRING const& a, STRING const& b);
 STRING operator+(STRING const& a, char const* b);
 STRING operator+(STRING const& a, char b);
@@ -162,7 +164,8 @@ STRING operator+(char a, STRING const& b);
 std::ostream& operator<<(std::ostream& os, STRING const& s);
 
 /// Reads one word, up to white space; the stream's width applies as to a character array. Without a word left s stays
-/// unchanged. A word of more than 511 characters is reported through `ERROR_MESSAGER` first.
+/// unchanged; the stream's state tells, also of memory that failed. A word of more than 511 characters is reported
+/// through `ERROR_MESSAGER` first.
 std::istream& operator>>(std::istream& is, STRING& s);
 
 /// Writes the binary record of s: its length as an `int` of four bytes in the machine's order, then its bytes. A text

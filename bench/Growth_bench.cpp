@@ -7,6 +7,7 @@
 #include "bench/Comparison.h"
 #include "bench/Project_inputs.h"
 #include "lib/files/File.h"
+#include "tests/Scratch_directory.h"
 
 namespace {
 
@@ -103,9 +104,7 @@ public:
 
 int main(int argc, char* argv[]) {
   setenv("LC_ALL", "C", 1);
-  std::string name = (fs::temp_directory_path() / "kindex-bench-XXXXXX").string();
-  const fs::path scratch = mkdtemp(name.data());
-  fs::current_path(scratch);
+  const SCRATCH_DIRECTORY scratch;
   const std::ofstream nowhere("/dev/null");
   std::streambuf* const output = std::cout.rdbuf(nowhere.rdbuf());
 
@@ -128,7 +127,5 @@ int main(int argc, char* argv[]) {
   GROWTH_REPORTER reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
   std::cout.rdbuf(output);
-  fs::current_path("/");
-  fs::remove_all(scratch);
   return 0;
 }

@@ -6,6 +6,7 @@
 #include "bench/Comparison.h"
 #include "bench/Project_inputs.h"
 #include "project/Kdirscanner.h"
+#include "tests/Scratch_directory.h"
 
 namespace {
 
@@ -97,16 +98,12 @@ void make_lists(benchmark::State& state) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-  std::string name = (fs::temp_directory_path() / "kindex-bench-XXXXXX").string();
-  const fs::path scratch = mkdtemp(name.data());
-  fs::current_path(scratch);
+  const SCRATCH_DIRECTORY scratch;
   write_sources();
   compare_writing<MAKE_INPUT>("make file of 2500 targets");
   compare_writing<ECLIPSE_INPUT>("Eclipse file of 200000 sources");
   compare("scan of 2000 files against lines and lists", scan, read_lines_and_make_lists);
   compare("scan of 2000 files against its lists alone", scan, make_lists);
   run_comparisons(argc, argv);
-  fs::current_path("/");
-  fs::remove_all(scratch);
   return 0;
 }

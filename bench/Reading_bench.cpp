@@ -4,6 +4,7 @@
 
 #include "bench/Comparison.h"
 #include "lib/files/File.h"
+#include "tests/Scratch_directory.h"
 
 namespace {
 
@@ -97,9 +98,7 @@ void compare_growth(std::string const& what, OURS ours) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-  const std::string scratch = std::filesystem::temp_directory_path() / "kindex-bench-XXXXXX";
-  std::string directory = scratch;
-  std::filesystem::current_path(mkdtemp(directory.data()));
+  const SCRATCH_DIRECTORY scratch;
   write_files();
 
   compare("300,000 tokens, getSTRING and tellg, >>", whole<ASCII_FILE>("tokens", 1, token),
@@ -117,7 +116,5 @@ int main(int argc, char* argv[]) {
   const auto cut = [](STRING& s) { s.cut_out(' '); };
   compare("clear_extra_space of 1 MB, against 10 x 100 KB", edit(1'000'000, 1, squeeze), edit(100'000, 10, squeeze));
   compare("cut_out of 1 MB, against 10 x 100 KB", edit(1'000'000, 1, cut), edit(100'000, 10, cut));
-  const int status = run_comparisons(argc, argv);
-  std::filesystem::remove_all(directory);
-  return status;
+  return run_comparisons(argc, argv);
 }

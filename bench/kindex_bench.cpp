@@ -6,6 +6,7 @@
 #include <random>
 
 #include "bench/Comparison.h"
+#include "tests/Scratch_directory.h"
 
 namespace {
 
@@ -53,9 +54,7 @@ int main(int argc, char* argv[]) {
   if (argc > 1 && argv[1] == std::string("--peak")) return print_peak_memory();
   const std::string self = fs::absolute(argv[0]).string();
   setenv("LC_ALL", "C", 1);
-  std::string name = (fs::temp_directory_path() / "kindex-bench-XXXXXX").string();
-  const fs::path scratch = mkdtemp(name.data());
-  fs::current_path(scratch);
+  const SCRATCH_DIRECTORY scratch;
   write_index("big.idx");
   if (std::system("sort -f big.idx > sorted") != 0) return 1;
   fs::create_directory("bin");
@@ -72,7 +71,5 @@ int main(int argc, char* argv[]) {
   run_comparisons(argc, argv);
   if (std::system((with_sort + "'" + self + "' --peak").c_str()) != 0) return 1;
 
-  fs::current_path("/");
-  fs::remove_all(scratch);
   return 0;
 }

@@ -57,8 +57,6 @@ struct SCANNED_DIRECTORY {
 
 using TREE = std::vector<SCANNED_DIRECTORY>;
 
-// Scanning
-
 /// The directories of the tree whose names begin with 'k', sorted.
 std::vector<std::string> k_directories(fs::path const& root) {
   std::vector<std::string> names;
@@ -190,8 +188,6 @@ std::set<std::size_t> libraries_used_by(TREE const& tree, std::size_t directory)
   }
   return found;
 }
-
-// Writing
 
 /// Fails unless a file of that name can be written, which the projects themselves would not tell.
 STRING writable(fs::path const& path) {

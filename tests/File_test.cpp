@@ -65,33 +65,6 @@ TEST(File, MovesBackAfterItsEnd) {
   EXPECT_TRUE(bytes.get_next_char() == -1 && bytes.get_next_char() == -128);
 }
 
-TEST(File, DropsTheRestOfALineAndBlanks) {
-  const struct {
-    std::string text;
-    void (ASCII_FILE::*skip)();
-    int next;
-  } cases[] = {
-      {"ab\r\ncd", &ASCII_FILE::empty_line, '\n'},
-      {"ab\ncd", &ASCII_FILE::empty_line, 'c'},
-      {std::string("a\0b", 3), &ASCII_FILE::empty_line, 'b'},
-      {"ab", &ASCII_FILE::empty_line, EOF},
-      {"   x", &ASCII_FILE::read_spaces, 'x'},
-      {"\tx", &ASCII_FILE::read_spaces, '\t'},
-      {"x", &ASCII_FILE::read_spaces, 'x'},
-      {"  ", &ASCII_FILE::read_spaces, EOF},
-  };
-  const SCRATCH_DIRECTORY scratch;
-  for (auto const& c : cases) {
-    put("file", c.text);
-    ASCII_FILE f("file", 0);
-    (f.*c.skip)();
-    EXPECT_TRUE(f.fail() == (c.next == EOF) && f.get() == c.next) << c.text;
-  }
-  ASCII_FILE directory(".", 0);
-  directory.empty_line();
-  EXPECT_TRUE(directory.fail() && !directory.eof());
-}
-
 TEST(File, OwnsWhatItIncludes) {
   const SCRATCH_DIRECTORY scratch;
   auto* const outer = new ASCII_FILE("outer", 48);

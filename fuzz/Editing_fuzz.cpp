@@ -24,7 +24,7 @@ bool is_double(std::string const& s) { return STRING(s.c_str()).if_double(); }
 template <class ACCEPTS>
 std::optional<std::string> word(std::string& s, ACCEPTS accepts) {
   const std::string all = trimmed(s);
-  const std::string first = all.substr(0, all.find_first_of(" ,"));
+  std::string first = all.substr(0, all.find_first_of(" ,"));
   if (all.empty() || !accepts(first)) return {};
   s = all.substr(first.size());
   return first;

@@ -126,10 +126,9 @@ struct PLAIN_READER {
   }
   void skip_until(TEXT const& prefix) {
     success = true;
-    for (TEXT t = token(); t.rfind(prefix, 0) != 0; t = token()) {
-      if (t == "EOF") return void(success = false);
-    }
-    back();
+    TEXT t = token();
+    while (!t.starts_with(prefix) && t != "EOF") t = token();
+    t.starts_with(prefix) ? back() : void(success = false);
   }
 
   void add_def() {
@@ -137,13 +136,16 @@ struct PLAIN_READER {
     for (const bool value : {false, true}) {
       read_spaces();
       for (char c = 0; c != ' ';) {
-        if (!get(c) && !value) return reports.push_back("unxpected end of file met while reading #define");
-        if (failed) break;
+        if (!get(c)) break;
         const bool end = c == '\n' || c == '\r';
         if (c == ' ' || (end && value)) break;
         if (end) reports.push_back("unxpected end of file met while reading #define");
         if (!end && (!allowed(c) || c == '#')) reports.push_back("character not allowed in #define");
         if (c != '\0') word[value] += c;
+      }
+      if (failed && !value) {
+        reports.push_back("unxpected end of file met while reading #define");
+        return;
       }
     }
     auto& table = root().defs;

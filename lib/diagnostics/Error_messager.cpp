@@ -18,10 +18,11 @@ void write_position(char const* source_file, int source_line) {
   cerr << "At file " << source_file << ":" << itoa(source_line) << endl;
 }
 
+// What follows is there before the static objects of programs, which may report, and until those are gone.
+[[gnu::init_priority(150)]] std::ios_base::Init standard_streams;
+
 } // namespace
 
-// These are there before the static objects of programs, which may report, and until those are gone.
-[[gnu::init_priority(150)]] static std::ios_base::Init standard_streams;
 [[gnu::init_priority(200)]] STRING EMPTY;
 [[gnu::init_priority(201)]] constinit ERROR_MESSAGER default_messager;
 

@@ -102,8 +102,8 @@ void ASCII_FILE::get_file_info(STRING& file, int& line) {
     f.read(block, std::min<std::streamoff>(left, sizeof block));
     counter.take({block, static_cast<std::size_t>(f.gcount())});
   }
-  const bool read_all = left <= 1; // what read its characters one by one would not notice that the last is missing
-  if (position > 0) f.previous_pos = read_all ? position - 1 : std::streamoff(-1);
+  const bool reached_last = left <= 1; // its position is known even if the file has since become too short to hold it
+  if (position > 0) f.previous_pos = reached_last ? position - 1 : std::streamoff(-1);
   line = counter.line();
   f.success = success_before;
 }

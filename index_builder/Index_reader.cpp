@@ -13,10 +13,10 @@ namespace {
 
 constexpr std::size_t most_bytes = std::size(Key) - 1;
 
-/// Hands characters to `take` until it refuses one, which is dropped. Leaves the stream failed when there are none
-/// left.
+/// Hands characters to `take` up to one that it refuses, which is dropped, too. Leaves the stream failed when there are
+/// none left.
 template <class TAKE>
-void read_while(std::fstream& in, TAKE take) {
+void read_through(std::fstream& in, TAKE take) {
   const std::ios_base::iostate state = pass_while(in, take);
   if (state == std::ios_base::goodbit) {
     in.rdbuf()->sbumpc();
@@ -36,13 +36,13 @@ void report_cut() {
 } // namespace
 
 void swallow(std::fstream& in) {
-  read_while(in, [](char c) { return c != '{'; });
+  read_through(in, [](char c) { return c != '{'; });
 }
 
 void get_key(std::fstream& in) {
   std::size_t length = 0;
   std::size_t depth = 0;
-  read_while(in, [&](char c) {
+  read_through(in, [&](char c) {
     if (c == '}' && depth-- == 0) return false;
     if (c == '{') ++depth;
     if (length < most_bytes) Key[length] = c;

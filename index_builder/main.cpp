@@ -1,13 +1,13 @@
-#include <algorithm>
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cctype>
-#include <charconv>
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <iostream>
-#include <iterator>
-#include <limits>
 #include <new>
-#include <string_view>
 
 #include "index_builder/Index_reader.h"
 #include "lib/files/File.h"
@@ -52,46 +52,26 @@ bool take_marker(char* key) {
   return true;
 }
 
-char upper(char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); }
-char lower(char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); }
-
-/// Writes a heading unless `first` stands under the last one, whose lower-case letter is `letter`.
-void write_heading(std::ostream& out, char first, char& letter) {
-  if (first == letter || first == upper(letter)) return;
-  letter = lower(first);
-  STRING heading;
-  heading = upper(letter);
-  if (first == '\\') heading = "Param\\'etr\\'e";
-  if (first == '_') heading = "\\_";
-  if (first == '{') heading = "\\{";
-  out << "\\indexletter{" << heading << "}\n";
+/// The heading of the keys that begin with `first`; empty for the empty key.
+STRING heading_of(char first) {
+  switch (first) {
+  case '\\': return "Param\\'etr\\'e";
+  case '_': return "\\_";
+  case '{': return "\\{";
+  default: return static_cast<char>(std::toupper(static_cast<unsigned char>(first)));
+  }
 }
 
-constexpr std::string_view principal_opening = "{\\bf ";
-constexpr std::size_t longest_page = principal_opening.size() + std::numeric_limits<int>::digits10 + 4;
-
-/// Puts one page with its blank at `end`, which has room for `longest_page` bytes, and returns the end behind it.
-char* put_page(char* end, int number, bool principal) {
-  if (principal) end = std::copy(principal_opening.begin(), principal_opening.end(), end);
-  end = std::to_chars(end, end + longest_page, number).ptr;
-  if (principal) *end++ = '}';
-  *end++ = ' ';
-  return end;
-}
-
-/// Writes in blocks: a write for each page would take longer than reading its entry did.
 void write_item(std::ostream& out, char const* key, PAGES const& pages) {
   out << "\\indexitem{" << key << "}{";
-  char block[4096];
-  char* end = block;
   for (int i = 0; i < pages.numbers.size; ++i) {
-    if (end + longest_page > std::end(block)) {
-      out.write(block, end - block);
-      end = block;
+    if (pages.flags[i] == 1) {
+      out << "{\\bf " << pages.numbers[i] << "} ";
+    } else {
+      out << pages.numbers[i] << ' ';
     }
-    end = put_page(end, pages.numbers[i], pages.flags[i] == 1);
   }
-  out.write(block, end - block) << "}\n";
+  out << "}\n";
 }
 
 /// Merges the sorted entries into headings and items. An entry that the end of input cuts short does not count. False,
@@ -101,10 +81,12 @@ bool build_index(std::fstream& sorted, std::ostream& out) {
   std::strcpy(Keym1, Key);
   take_marker(Keym1);
 
-  char letter = '\0';
+  STRING last_heading;
   PAGES pages;
   const auto write_group = [&] {
-    write_heading(out, Keym1[0], letter);
+    const STRING heading = heading_of(Keym1[0]);
+    if (heading != last_heading) out << "\\indexletter{" << heading << "}\n";
+    last_heading = heading;
     write_item(out, Keym1, pages);
   };
 
@@ -124,22 +106,30 @@ bool build_index(std::fstream& sorted, std::ostream& out) {
 }
 
 void make_index(STRING const& input) {
-  static char output_buffer[1 << 16]; // the stream's own would mean a system call for every 8 KB
-  ASCII_FILE output;
-  output.rdbuf()->pubsetbuf(output_buffer, sizeof output_buffer);
-  output.open("kindex.tex", 48);
+  ASCII_FILE output("kindex.tex", std::ios_base::out | std::ios_base::trunc);
   run_in_shell("cat " + input + " | sort -f > oo");
 
   ASCII_FILE sorted("oo", 0);
   const bool any_entry = build_index(sorted, output);
-  if (!sorted.is_open() || sorted.bad()) std::cerr << "kindex: cannot read oo\n";
+  std::error_code unknown; // some standard libraries take a directory for an empty file
+  if (!sorted.eof() || std::filesystem::is_directory("oo", unknown)) std::cerr << "kindex: cannot read oo\n";
 
   if (any_entry) run_in_shell("rm -f oo");
+}
+
+/// Opens what is closed of the standard streams: a file would take its place, and messages would land in that file.
+void complete_standard_streams() {
+  int file = STDIN_FILENO;
+  while (file >= 0 && file <= STDERR_FILENO) file = open("/dev/null", O_RDWR);
+  if (file >= 0) close(file);
 }
 
 } // namespace
 
 int main(int argc, char* argv[]) {
+  // A message may have lost its reader. Unlike SIG_IGN, this is not handed on to what the shell runs.
+  std::signal(SIGPIPE, [](int) {});
+  complete_standard_streams();
   try {
     make_index(STRING(argc > 1 ? argv[1] : "") + ".idx");
   } catch (std::bad_alloc const&) {

@@ -1,7 +1,6 @@
 #include "project/Kdirscanner.h"
 
 #include <dirent.h>
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -9,31 +8,26 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace {
 
-/// Makes `dir` the working directory for as long as this object lives, unless there would be no way back.
+/// Makes `dir` the working directory for as long as this object lives, unless the one before cannot be saved.
 class WORKING_DIRECTORY {
 public:
-  explicit WORKING_DIRECTORY(char const* dir) : way_back(open(".", O_PATH | O_DIRECTORY | O_CLOEXEC)) {
-    const bool saved = getcwd(before, sizeof before) != nullptr && (way_back >= 0 || chdir(before) == 0);
-    entered = saved && chdir(dir) == 0;
-  }
+  explicit WORKING_DIRECTORY(char const* dir) : entered(getcwd(before, sizeof before) != nullptr && chdir(dir) == 0) {}
   WORKING_DIRECTORY(WORKING_DIRECTORY const&) = delete;
   WORKING_DIRECTORY& operator=(WORKING_DIRECTORY const&) = delete;
   ~WORKING_DIRECTORY() {
-    // The descriptor leads back where the path does not, as when the directory has been renamed.
-    if (entered && (way_back < 0 || fchdir(way_back) != 0)) static_cast<void>(chdir(before) == 0);
-    if (way_back >= 0) close(way_back);
+    if (entered) static_cast<void>(chdir(before) == 0);
   }
 
   bool is_entered() const { return entered; }
 
 private:
-  char before[2048] = "";
-  int way_back;
-  bool entered = false;
+  char before[2048];
+  bool entered;
 };
 
 using SUFFIXES = std::span<const std::string_view>;
@@ -56,37 +50,21 @@ bool matches(std::string_view name, SUFFIXES suffixes) {
   return false;
 }
 
-/// A name between angle brackets, as far as it fits.
-class INCLUDE_NAME {
-public:
-  void add(char c) {
-    if (length + 1 < sizeof text) text[length++] = c;
-  }
-
-  char* without_directories() {
-    text[length] = '\0';
-    return basename(text);
-  }
-
-private:
-  char text[1024];
-  std::size_t length = 0;
-};
-
-/// The name that a line includes with angle brackets; none without "#include" or without a '>' behind it. Blanks do not
-/// count, and a '>' ahead of any '<' ends an empty name.
-std::optional<INCLUDE_NAME> included_by(std::string_view line) {
+/// The name that a line includes with angle brackets, at most 1023 characters of it; none without "#include" or without
+/// a '>' behind it. Blanks do not count, and a '>' ahead of any '<' ends an empty name.
+std::optional<std::string> included_by(std::string_view line) {
   constexpr std::string_view directive = "#include";
+  constexpr std::size_t longest = 1023;
   const std::size_t found = line.find(directive);
   if (found == std::string_view::npos) return {};
-  INCLUDE_NAME name;
+  std::string name;
   bool inside = false;
   for (const char c : line.substr(found + directive.size())) {
     if (c == '>') return name;
     if (c == '<') {
       inside = true;
-    } else if (inside && c != ' ') {
-      name.add(c);
+    } else if (inside && c != ' ' && name.size() < longest) {
+      name += c;
     }
   }
   return {};
@@ -119,7 +97,7 @@ void KDIR_SCANNER::read_includes(char const* file_name, BUFF_LIST<STRING>& names
     if (file.eof() || file.bad()) return; // a line counts only with its end; one too long counts as far as it fits
     const auto length = static_cast<std::size_t>(file.gcount()) - (file.fail() ? 0 : 1);
     if (auto name = included_by({line, length})) {
-      char const* const text = name->without_directories();
+      char const* const text = basename(name->data());
       if (is_wanted(text)) names.add(text);
     }
   }

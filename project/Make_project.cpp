@@ -1,5 +1,6 @@
 #include "project/Make_project.h"
 
+#include <fstream>
 #include <iostream>
 #include <span>
 #include <string_view>
@@ -7,7 +8,6 @@
 #include <vector>
 
 #include "project/Elements.h"
-#include "project/Text_writer.h"
 
 namespace {
 
@@ -168,48 +168,29 @@ constexpr std::string_view public_tree_option = " -L$(K7PATH)/$(DBG)lib-$(K7MACH
 constexpr std::string_view link_from_public_tree = "-l«name» ";
 constexpr std::string_view link_in_place = "-l$(DBG)«name» ";
 
-/// One of the texts above, taken apart: each piece is a text and the name of what is filled in behind it.
-class TEMPLATE {
-public:
-  explicit TEMPLATE(std::string_view text) {
-    constexpr std::string_view opening = "«", closing = "»";
-    for (std::size_t at = 0; (at = text.find(opening)) != std::string_view::npos;) {
-      const std::size_t name = at + opening.size(), end = text.find(closing);
-      pieces.push_back({text.substr(0, at), text.substr(name, end - name)});
-      text.remove_prefix(end + closing.size());
-    }
-    rest = text;
+/// Writes one of the texts above, calling `fill_in` with each name in it to write what stands there.
+template <class FILL_IN>
+void write_text(std::ostream& out, std::string_view text, FILL_IN fill_in) {
+  constexpr std::string_view opening = "«", closing = "»";
+  for (std::size_t at = 0; (at = text.find(opening)) != std::string_view::npos;) {
+    const std::size_t name = at + opening.size(), end = text.find(closing);
+    out << text.substr(0, at);
+    fill_in(text.substr(name, end - name));
+    text.remove_prefix(end + closing.size());
   }
-
-  /// Writes the text, calling `fill_in` with each name in it to write what stands there.
-  template <class FILL_IN>
-  void write(TEXT_WRITER& out, FILL_IN fill_in) const {
-    for (PIECE const& piece : pieces) {
-      out << piece.text;
-      fill_in(piece.name);
-    }
-    out << rest;
-  }
-
-private:
-  struct PIECE {
-    std::string_view text, name;
-  };
-
-  std::vector<PIECE> pieces;
-  std::string_view rest;
-};
+  out << text;
+}
 
 class MAKE_FILE_WRITER {
 public:
-  MAKE_FILE_WRITER(MAKE_PROJECT const& project, TEXT_WRITER& file)
+  MAKE_FILE_WRITER(MAKE_PROJECT const& project, std::ostream& file)
       : out(file), install_public(project.install_public), libraries(elements(project.libs)),
         executables(elements(project.targets)) {
     for (MAKE_LIB const* library : libraries) library_names.insert(library->name.str);
   }
 
   void write() {
-    TEMPLATE(preamble).write(out, [](std::string_view) {});
+    write_text(out, preamble, [](std::string_view) {});
     int index = 0;
     for (MAKE_LIB const* library : libraries) {
       std::cout << "Lib " << library->name << std::endl;
@@ -223,19 +204,15 @@ public:
   }
 
 private:
-  TEXT_WRITER& out;
+  std::ostream& out;
   const bool install_public;
   const std::span<MAKE_LIB*> libraries;
   const std::span<MAKE_TARGET*> executables;
   std::unordered_set<std::string_view> library_names;
 
-  const TEMPLATE block_text{block};
-  const TEMPLATE library_rule_text{library_rule};
-  const TEMPLATE executable_rule_text{executable_rule};
-  const TEMPLATE executable_file_text{executable_file};
-  const TEMPLATE library_file_text{install_public ? library_in_public_tree : library_in_place};
-  const TEMPLATE library_output_text{install_public ? library_output_for_public_tree : library_in_place};
-  const TEMPLATE link_option_text{install_public ? link_from_public_tree : link_in_place};
+  const std::string_view library_file = install_public ? library_in_public_tree : library_in_place;
+  const std::string_view library_output = install_public ? library_output_for_public_tree : library_in_place;
+  const std::string_view link_option = install_public ? link_from_public_tree : link_in_place;
 
   bool is_library(STRING const& directory) const { return library_names.contains(directory.str); }
 
@@ -248,16 +225,14 @@ private:
   }
 
   /// Writes a text with one thing to fill in, a name or an index.
-  template <class VALUE>
-  void write_with(TEMPLATE const& text, VALUE const& value) {
-    text.write(out, [&](std::string_view) { out << value; });
+  void write_with(std::string_view text, STRING const& value) {
+    write_text(out, text, [&](std::string_view) { out << value; });
   }
 
   void write_block(int index, STRING const& name, LIST<STRING> const& dirs, bool for_library) {
-    for (STRING const& directory : dirs) fetch_early(directory);
-    block_text.write(out, [&](std::string_view what) {
+    write_text(out, block, [&](std::string_view what) {
       if (what == "i") {
-        out << index;
+        out << itoa(index);
       } else if (what == "name") {
         out << name;
       } else if (what == "gap" && !for_library) {
@@ -273,7 +248,7 @@ private:
   }
 
   void write_trailer() {
-    TEMPLATE(trailer).write(out, [&](std::string_view what) {
+    write_text(out, trailer, [&](std::string_view what) {
       if (what == "all dirs") write_for_each_index(all_dirs_entry);
       if (what == "last target") write_last_target();
       if (what == "rules") write_rules();
@@ -282,16 +257,15 @@ private:
   }
 
   void write_for_each_index(std::string_view text) {
-    const TEMPLATE entry(text);
     const int count = static_cast<int>(libraries.size() + executables.size());
-    for (int i = 0; i < count; ++i) write_with(entry, i);
+    for (int i = 0; i < count; ++i) write_with(text, itoa(i));
   }
 
   void write_last_target() {
     if (!executables.empty()) {
-      write_with(executable_file_text, executables.back()->name);
+      write_with(executable_file, executables.back()->name);
     } else if (!libraries.empty()) {
-      write_with(library_file_text, libraries.back()->name);
+      write_with(library_file, libraries.back()->name);
     }
   }
 
@@ -303,29 +277,29 @@ private:
   }
 
   void write_library_rule(int index, STRING const& name) {
-    library_rule_text.write(out, [&](std::string_view what) {
-      if (what == "i") out << index;
-      if (what == "target") write_with(library_file_text, name);
+    write_text(out, library_rule, [&](std::string_view what) {
+      if (what == "i") out << itoa(index);
+      if (what == "target") write_with(library_file, name);
       if (what == "install" && install_public) out << "-inst ";
-      if (what == "output") write_with(library_output_text, name);
+      if (what == "output") write_with(library_output, name);
     });
   }
 
   void write_executable_rule(int index, MAKE_TARGET const& executable) {
     const auto linked = libraries_of(executable);
-    executable_rule_text.write(out, [&](std::string_view what) {
-      if (what == "i") out << index;
+    write_text(out, executable_rule, [&](std::string_view what) {
+      if (what == "i") out << itoa(index);
       if (what == "name") out << executable.name;
-      if (what == "target") write_with(executable_file_text, executable.name);
+      if (what == "target") write_with(executable_file, executable.name);
       if (what == "public tree" && install_public) out << public_tree_option;
       if (what == "libraries") {
         for (STRING const* library : linked) {
-          write_with(library_file_text, *library);
+          write_with(library_file, *library);
           out << ' ';
         }
       }
       if (what == "links") {
-        for (STRING const* library : linked) write_with(link_option_text, *library);
+        for (STRING const* library : linked) write_with(link_option, *library);
       }
     });
   }
@@ -337,6 +311,6 @@ void MAKE_PROJECT::splash() { create_project_file(); }
 
 void MAKE_PROJECT::create_project_file() {
   if (file_name == "") file_name = "kmakefile";
-  TEXT_WRITER out(file_name.str);
+  std::ofstream out(file_name.str);
   MAKE_FILE_WRITER(*this, out).write();
 }

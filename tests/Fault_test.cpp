@@ -49,7 +49,6 @@ DIR* opendir(char const* path) { return fails(opening) ? nullptr : real<DIR*(cha
 int open(char const* path, int flags, ...) {
   return fails(opening) ? -1 : real<int(char const*, int, ...)>("open")(path, flags, 0666);
 }
-int chdir(char const* path) noexcept { return fails(opening) ? -1 : real<int(char const*)>("chdir")(path); }
 char* getcwd(char* path, size_t size) noexcept {
   return fails(opening) ? nullptr : real<char*(char*, size_t)>("getcwd")(path, size);
 }

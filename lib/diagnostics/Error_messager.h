@@ -2,6 +2,9 @@
 
 #include "lib/strings/Stringpp.h"
 
+/// An empty text to begin a message with: `EMPTY + "no such unit: " + name`.
+inline STRING EMPTY;
+
 /// Where every report of the library goes. This class writes a report to standard error and, unless it is a plain
 /// message or an alert, ends the process with status 1. A program that wants reports handled otherwise derives a class,
 /// overrides the virtual operations and installs an object of it; those who report stay as they are. One thread only.
@@ -36,7 +39,7 @@ public:
   virtual ~ERROR_MESSAGER();
 
   /// The messager that receives all reports; `default_messager` from the very start, never owned.
-  static constinit ERROR_MESSAGER* active_error_messager;
+  static ERROR_MESSAGER* active_error_messager;
 
   /// Sends all later reports to `messager`, which stays the caller's and must outlive its use. REQUIRES: it is not
   /// null.
@@ -57,10 +60,7 @@ public:
 };
 
 /// The messager that is active until another one is installed.
-extern constinit ERROR_MESSAGER default_messager;
-
-/// An empty text to begin a message with: `EMPTY + "no such unit: " + name`.
-extern STRING EMPTY;
+inline ERROR_MESSAGER default_messager;
 
 /// For readers of input: report, as input errors, a name they do not know and a value they cannot read.
 void UNKNOWN_COEF(STRING name);

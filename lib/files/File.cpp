@@ -12,6 +12,8 @@ constinit ASCII_FILE* ASCII_FILE::current_file = nullptr;
 
 namespace {
 
+constexpr int in_mode = ios_base::in, out_mode = ios_base::out, trunc_mode = ios_base::trunc;
+
 bool is_missing(STRING const& path) {
   std::error_code unknown;
   return !std::filesystem::exists(path.str, unknown) && !unknown;
@@ -19,11 +21,9 @@ bool is_missing(STRING const& path) {
 
 } // namespace
 
-ASCII_FILE::ASCII_FILE()
-    : mode(ios_base::in), name(file_name), success(false), ok(success), skip_comments(1), line_changed(false),
-      previous_pos(0), included_file(nullptr), parent_file(nullptr) {}
+ASCII_FILE::ASCII_FILE() = default;
 
-ASCII_FILE::ASCII_FILE(char const* path, int open_mode) : ASCII_FILE() { open(path, open_mode); }
+ASCII_FILE::ASCII_FILE(char const* path, int open_mode) { open(path, open_mode); }
 
 ASCII_FILE::~ASCII_FILE() {
   success = false;
@@ -39,7 +39,7 @@ ASCII_FILE::~ASCII_FILE() {
 }
 
 void ASCII_FILE::open(char const* path, int open_mode) {
-  mode = open_mode | ios_base::in;
+  mode = open_mode | in_mode;
   open_stream(path == nullptr ? "" : path, mode);
 }
 
@@ -73,11 +73,11 @@ void ASCII_FILE::set_position() { previous_pos = get_position(); }
 void ASCII_FILE::goto_position(std::streampos p) {
   if (fail()) {
     close();
-    open_stream(name.str, mode & ~ios_base::trunc); // truncating again would lose what the file holds
-    if (fail() && (mode & ios_base::trunc) != 0 && is_missing(name)) open_stream(name.str, mode);
+    open_stream(name.str, mode & ~trunc_mode); // truncating again would lose what the file holds
+    if (fail() && (mode & trunc_mode) != 0 && is_missing(name)) open_stream(name.str, mode);
   }
-  if (mode & ios_base::in) seekg(p);
-  if (mode & ios_base::out) seekp(p);
+  if (mode & in_mode) seekg(p);
+  if (mode & out_mode) seekp(p);
 }
 
 void ASCII_FILE::goto_position_and_set_previous_pos(std::streampos p) {

@@ -2,6 +2,7 @@
 
 #include <fstream>
 
+#include "lib/diagnostics/Error_messager.h" // EMPTY, ahead of static objects that read files
 #include "lib/strings/Containers.h"
 #include "lib/strings/Stringpp.h"
 
@@ -23,42 +24,42 @@
 class ASCII_FILE : public std::fstream {
 public:
   /// The open mode in effect, `in` included.
-  int mode;
+  int mode = std::ios_base::in;
 
   /// The name the file was last opened with, also when that failed.
   STRING file_name;
 
   /// The read-only view of `file_name`.
-  const STRING& name;
+  const STRING& name = file_name;
 
   /// Outcome of the last operation.
-  bool success;
+  bool success = false;
 
   /// The read-only view of `success`.
-  const bool& ok;
+  const bool& ok = success;
 
   /// Not zero: '%' and '#' at the start of a token begin a comment. Zero: no comments, but `#define` macros. Set by the
   /// client alone.
-  int skip_comments;
+  int skip_comments = 1;
 
   /// Whether the last token read stood behind a line end or a comment.
-  bool line_changed;
+  bool line_changed = false;
 
   /// The position that `back` returns to.
-  std::streampos previous_pos;
+  std::streampos previous_pos = 0;
 
   /// The file being included, owned by this one and deleted with it; null when there is none.
-  ASCII_FILE* included_file;
+  ASCII_FILE* included_file = nullptr;
 
   /// The file that includes this one, not owned; null for an outermost file.
-  ASCII_FILE* parent_file;
+  ASCII_FILE* parent_file = nullptr;
 
   /// Macro names and their values, in order of definition; filled in the outermost file alone.
   LIST<STRING> def_keys;
   LIST<STRING> def_values;
 
   /// The file a token was last read from; null before any was read and after any `ASCII_FILE` was destroyed.
-  static constinit ASCII_FILE* current_file;
+  static ASCII_FILE* current_file;
 
   /// No file is open, and `success` is false.
   ASCII_FILE();

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <string>
 
-#include "lib/diagnostics/Error_messager.h"
 #include "lib/files/File.h"
 #include "lib/files/Stream_characters.h"
 
@@ -11,7 +10,7 @@ namespace {
 
 enum class WORD { key, value };
 
-constexpr char line_end_in_key[] = "unxpected end of file met while reading #define";
+constexpr char unended_key[] = "unxpected end of file met while reading #define"; // a fixed text, as it is spelled
 
 void report(char const* text, int source_line) {
   ERROR_MESSAGER::static_err_message(EMPTY + text, __FILE__, source_line);
@@ -31,7 +30,7 @@ STRING read_word(ASCII_FILE& file, WORD which, ios_base::iostate& state) {
     const bool line_end = ends_line(c);
     if (is_blank(c) || (line_end && which == WORD::value)) break;
     if (line_end) {
-      report(line_end_in_key, __LINE__);
+      report(unended_key, __LINE__);
     } else if (file.allowed_character(c) == 0 || c == '#') {
       report("character not allowed in #define", __LINE__);
     }
@@ -46,7 +45,7 @@ void ASCII_FILE::add_def() {
   ios_base::iostate state = ios_base::goodbit;
   const STRING key = read_word(*this, WORD::key, state);
   if (state != ios_base::goodbit) {
-    report(line_end_in_key, __LINE__);
+    report(unended_key, __LINE__);
   } else {
     const STRING value = read_word(*this, WORD::value, state);
     validate_def(key, value);

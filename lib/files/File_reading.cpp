@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "lib/diagnostics/Error_messager.h"
 #include "lib/files/File.h"
 #include "lib/files/Stream_characters.h"
 #include "lib/strings/Buffers.h"
@@ -22,32 +21,17 @@ constexpr std::array<bool, 256> token_characters = [] {
 }();
 
 bool in_token(char c) { return token_characters[static_cast<unsigned char>(c)]; }
+bool in_line(char c) { return !ends_line(c) && c != '\0'; }
 bool starts_comment(char c) { return c == '%' || c == '#'; }
-
-/// How many characters there are before the first that ends a line.
-std::size_t before_line_end(std::string_view text) {
-  constexpr std::size_t window = 256; // a search for one of the ends would else pass over many of the others
-  for (std::size_t start = 0; start < text.size(); start += window) {
-    std::string_view line = text.substr(start, window);
-    const std::size_t whole = line.size();
-    for (const char end : {'\n', '\r', '\0'}) line = line.substr(0, line.find(end));
-    if (line.size() < whole) return start + line.size();
-  }
-  return text.size();
-}
-
-std::size_t before_token_end(std::string_view text) {
-  return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), in_token) - text.begin());
-}
 
 /// The characters of one token or line: in the stream's buffer if that holds all of them, else copied out of it.
 class GATHERED {
 public:
-  /// Takes as many characters off the front of the stream as `measure` finds. Gives what `take_characters` gives.
-  template <class MEASURE>
-  ios_base::iostate read(std::istream& in, MEASURE measure) {
+  /// Takes the characters at the front of the stream that `belongs` accepts. Gives what `take_characters` gives.
+  template <class BELONGS>
+  ios_base::iostate read(std::istream& in, BELONGS belongs) {
     return take_characters(in, [&](std::string_view ready) {
-      piece = ready.substr(0, measure(ready));
+      piece = ready.substr(0, length_while(ready, belongs));
       const bool may_go_on = piece.size() == ready.size();
       if (may_go_on || !copy.empty()) copy += piece;
       return piece.size();
@@ -67,7 +51,7 @@ ios_base::iostate skip_separators(ASCII_FILE& file) {
   bool in_comment = false;
   const auto separates = [&](char c) {
     if (in_comment) {
-      in_comment = !ends_line(c) && c != '\0';
+      in_comment = in_line(c);
       return true;
     }
     in_comment = file.skip_comments != 0 && starts_comment(c);
@@ -77,25 +61,29 @@ ios_base::iostate skip_separators(ASCII_FILE& file) {
   return pass_while(file, separates);
 }
 
-/// Reads the next token of this very file as it stands. The character that ends it is looked at only.
-void read_token(ASCII_FILE& file, STRING& token) {
+/// Reads the next token of this very file as it stands, "EOF" at the end. Gives whether there was one. The character
+/// that ends it is looked at only.
+bool read_token(ASCII_FILE& file, STRING& token) {
   ASCII_FILE::current_file = &file;
   file.line_changed = false;
   file.set_position();
   ios_base::iostate state = skip_separators(file);
   GATHERED gathered;
-  if (state == ios_base::goodbit) state = gathered.read(file, before_token_end);
-  file.success = !gathered.text().empty();
-  assign(token, file.ok ? gathered.text() : "EOF");
-  const bool only_at_end = file.ok && (state & ios_base::badbit) == 0;
+  if (state == ios_base::goodbit) state = gathered.read(file, in_token);
+  const bool found = !gathered.text().empty();
+  assign_in_place(token, found ? gathered.text() : "EOF");
+  const bool only_at_end = found && (state & ios_base::badbit) == 0;
   if (!only_at_end) file.setstate(state); // behind a token that the end cuts short, `back` and error locations work on
+  return found;
 }
 
 /// The next token of this very file, macros replaced.
 STRING own_token(ASCII_FILE& file) {
   STRING token;
-  for (read_token(file, token); file.ok && token == "#define"; read_token(file, token)) file.add_def();
-  if (file.ok) file.def_mask(token);
+  bool found = read_token(file, token);
+  for (; found && token == "#define"; found = read_token(file, token)) file.add_def();
+  file.success = found;
+  if (found) file.def_mask(token);
   return token;
 }
 
@@ -107,7 +95,7 @@ bool read_line(ASCII_FILE& file, GATHERED& line) {
     file.set_position();
     return false;
   }
-  state = line.read(file, before_line_end);
+  state = line.read(file, in_line);
   const bool ended = state == ios_base::goodbit;
   char terminator = '\0';
   if (ended) take_character(file, terminator);
@@ -120,14 +108,13 @@ bool read_line(ASCII_FILE& file, GATHERED& line) {
   return !none;
 }
 
-/// The number that `read` gives, unless it stands on another line.
-template <class NUMBER>
-NUMBER on_same_line(ASCII_FILE& file, NUMBER (ASCII_FILE::*read)()) {
-  const NUMBER number = (file.*read)();
-  if (!file.line_changed) return number;
+/// What was read from the file, unless it stands on another line: then it goes back, and the result is empty.
+template <class VALUE>
+VALUE on_same_line(ASCII_FILE& file, VALUE const& read) {
+  if (!file.line_changed) return read;
   file.back();
   file.success = false;
-  return 0;
+  return VALUE();
 }
 
 } // namespace
@@ -144,8 +131,9 @@ STRING ASCII_FILE::getSTRING() {
   for (;;) {
     STRING token = own_token(*chain.back());
     std::size_t level = chain.size() - 1;
-    for (; level > 0 && !(token == "EOF"); --level) {
+    for (; level > 0; --level) {
       chain[level - 1]->success = chain[level]->ok;
+      if (token == "EOF") break;
       outermost().def_mask(token);
     }
     if (level == 0) return token;
@@ -154,15 +142,7 @@ STRING ASCII_FILE::getSTRING() {
   }
 }
 
-STRING ASCII_FILE::getSTRING_sl() {
-  STRING token = getSTRING();
-  if (line_changed) {
-    back();
-    success = false;
-    token = "";
-  }
-  return token;
-}
+STRING ASCII_FILE::getSTRING_sl() { return on_same_line(*this, getSTRING()); }
 
 STRING ASCII_FILE::getline() {
   const std::streamoff start = get_position();
@@ -174,7 +154,7 @@ STRING ASCII_FILE::getline() {
     for (const char mark : {'%', '#'}) text = text.substr(0, text.find(mark));
   }
   STRING result;
-  assign(result, text);
+  assign_in_place(result, text);
   return result;
 }
 
@@ -198,9 +178,9 @@ double ASCII_FILE::getdouble() {
   return 0.0;
 }
 
-int ASCII_FILE::getint_sl() { return on_same_line(*this, &ASCII_FILE::getint); }
+int ASCII_FILE::getint_sl() { return on_same_line(*this, getint()); }
 
-double ASCII_FILE::getdouble_sl() { return on_same_line(*this, &ASCII_FILE::getdouble); }
+double ASCII_FILE::getdouble_sl() { return on_same_line(*this, getdouble()); }
 
 void ASCII_FILE::get(LIST<int>& list, int count) {
   list.resize(0);
@@ -241,4 +221,17 @@ void ASCII_FILE::skip_until_word_start_with(STRING const& prefix) {
       return;
     }
   }
+}
+
+void ASCII_FILE::include_file() {
+  const STRING path = getSTRING();
+  auto* const inner = new ASCII_FILE(path.str, 0);
+  inner->parent_file = this;
+  delete included_file;
+  included_file = inner;
+}
+
+STRING GLSTR(ASCII_FILE& file) {
+  file.back();
+  return file.getSTRING();
 }

@@ -1,4 +1,3 @@
-#include "lib/diagnostics/Error_messager.h"
 #include "lib/files/File.h"
 
 using std::ios_base;

@@ -74,10 +74,14 @@ std::ios_base::iostate take_characters(std::istream& in, TAKE take) {
   }
 }
 
+/// How many characters at the front of the text `belongs` accepts.
+template <class BELONGS>
+std::size_t length_while(std::string_view text, BELONGS belongs) {
+  return static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), belongs) - text.begin());
+}
+
 /// Drops the characters at the front of the stream that `belongs` accepts. Gives what `take_characters` gives.
 template <class BELONGS>
 std::ios_base::iostate pass_while(std::istream& in, BELONGS belongs) {
-  return take_characters(in, [&](std::string_view ready) {
-    return static_cast<std::size_t>(std::find_if_not(ready.begin(), ready.end(), belongs) - ready.begin());
-  });
+  return take_characters(in, [&](std::string_view ready) { return length_while(ready, belongs); });
 }

@@ -39,14 +39,14 @@ inline char* copied(char const* text, std::size_t spare) {
 }
 
 /// Gives s a new buffer that holds `text`, which may lie in the old one.
-inline void replace(STRING& s, char const* text) {
+inline void assign_anew(STRING& s, char const* text) {
   char* const fresh = copied(text, 0);
   put_ptr(s.str);
   s.str = fresh;
 }
 
-/// Makes `text`, which lies outside of s and holds no NUL, the text of s.
-inline void assign(STRING& s, std::string_view text) {
+/// Makes `text`, which lies outside of s and holds no NUL, the text of s, in the buffer that s has if it fits.
+inline void assign_in_place(STRING& s, std::string_view text) {
   if (text.size() >= standard_size) s.str = trade_buffer(s.str, text.size());
   text.copy(s.str, text.size());
   s.str[text.size()] = '\0';

@@ -96,15 +96,23 @@ public:
   }
 
   /// The number of elements equal to x.
-  virtual int count_occurrence(T const& x) const { return static_cast<int>(std::count(this->begin(), this->end(), x)); }
+  virtual int count_occurrence(T const& x) const {
+    return static_cast<int>(std::count_if(this->ptr, this->ptr + this->count(), equals(x)));
+  }
 
   /// The position of the first element equal to x, or -1.
   virtual int first_occurrence(T const& x) const { return position(x); }
 
 private:
+  /// Elements stand on the left and are not const, for types whose `==` is a member that is not const.
+  static auto equals(T const& x) {
+    return [&x](T& element) -> bool { return element == x; };
+  }
+
   int position(T const& x) const {
-    const T* const found = std::find(this->begin(), this->end(), x);
-    return found == this->end() ? -1 : static_cast<int>(found - this->begin());
+    T* const end = this->ptr + this->count();
+    T* const found = std::find_if(this->ptr, end, equals(x));
+    return found == end ? -1 : static_cast<int>(found - this->ptr);
   }
 };
 

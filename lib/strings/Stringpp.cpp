@@ -17,17 +17,6 @@ namespace {
 
 constexpr int top_slot = static_cast<int>(std::size(pBufs)) - 1;
 
-/// Appends `tail`, which may lie in s, to the `length` bytes of s.
-void append(STRING& s, std::size_t length, char const* tail) {
-  const std::size_t tail_length = std::strlen(tail);
-  char* const fresh = take_buffer(length + tail_length);
-  std::memcpy(fresh, s.str, length);
-  std::memcpy(fresh + length, tail, tail_length);
-  fresh[length + tail_length] = '\0';
-  put_ptr(s.str);
-  s.str = fresh;
-}
-
 template <class LEFT, class RIGHT>
 STRING joined(LEFT const& a, RIGHT const& b) {
   STRING text(a);
@@ -48,18 +37,16 @@ void put_ptr(char* p) {
   }
 }
 
-[[gnu::init_priority(199)]] STRING STRING::EMPTY; // before the static objects of programs, which may use it
+STRING::STRING() : str(get_ptr(1)) { str[0] = '\0'; }
 
-STRING::STRING() : str(get_ptr(1)), success(true), ok(success) { str[0] = '\0'; }
+STRING::STRING(char const* s) : str(copied(s == nullptr ? "" : s, 1)) {}
 
-STRING::STRING(char const* s) : str(copied(s == nullptr ? "" : s, 1)), success(true), ok(success) {}
-
-STRING::STRING(char c) : str(get_ptr(2)), success(true), ok(success) {
+STRING::STRING(char c) : str(get_ptr(2)) {
   str[0] = c;
   str[1] = '\0';
 }
 
-STRING::STRING(STRING const& s) : str(copied(s.str, 1)), success(true), ok(success) {}
+STRING::STRING(STRING const& s) : str(copied(s.str, 1)) {}
 
 STRING::~STRING() {
   put_ptr(str);
@@ -70,13 +57,13 @@ STRING& STRING::operator=(char const* s) {
   if (s == nullptr) {
     str[0] = '\0';
   } else if (s != str) {
-    replace(*this, s);
+    assign_anew(*this, s);
   }
   return *this;
 }
 
 STRING& STRING::operator=(STRING const& s) {
-  if (this != &s) replace(*this, s.str);
+  if (this != &s) assign_anew(*this, s.str);
   return *this;
 }
 
@@ -97,7 +84,14 @@ bool STRING::operator>(char const* s) const { return std::strcmp(str, s) > 0; }
 bool STRING::operator>(STRING const& s) const { return std::strcmp(str, s.str) > 0; }
 
 STRING& STRING::operator+=(STRING const& s) {
-  append(*this, std::strlen(str), s.str);
+  const std::size_t length = std::strlen(str);
+  const std::size_t tail = std::strlen(s.str);
+  char* const fresh = take_buffer(length + tail);
+  std::memcpy(fresh, str, length);
+  std::memcpy(fresh + length, s.str, tail);
+  fresh[length + tail] = '\0';
+  put_ptr(str);
+  str = fresh;
   return *this;
 }
 
@@ -108,14 +102,8 @@ char* STRING::locate(char c) { return std::strchr(str, c); }
 char* STRING::locate(char const* s) { return std::strstr(str, s); }
 char* STRING::locate(STRING const& s) { return std::strstr(str, s.str); }
 
-int STRING::to_int() const { // as strtol reads a number, which takes several times as long for a short one
-  char const* next = str;
-  while (*next == ' ' || (*next >= '\t' && *next <= '\r')) ++next;
-  const bool negative = *next == '-';
-  if (negative || *next == '+') ++next;
-  long magnitude = 0;
-  for (; *next >= '0' && *next <= '9' && magnitude <= INT_MAX; ++next) magnitude = 10 * magnitude + (*next - '0');
-  return static_cast<int>(std::clamp<long>(negative ? -magnitude : magnitude, INT_MIN, INT_MAX));
+int STRING::to_int() const {
+  return static_cast<int>(std::clamp<long>(std::strtol(str, nullptr, 10), INT_MIN, INT_MAX));
 }
 
 double STRING::to_double() const {
@@ -136,11 +124,7 @@ int strn_cmp(STRING const& a, char const* b, int n) {
 
 int strn_cmp(STRING const& a, STRING const& b, int n) { return strn_cmp(a.str, b, n); }
 
-STRING operator+(STRING const& a, STRING const& b) {
-  STRING text(a);
-  append(text, std::strlen(a.str), b.str); // measuring the copy would wait until it is written
-  return text;
-}
+STRING operator+(STRING const& a, STRING const& b) { return joined(a, b); }
 STRING operator+(STRING const& a, char const* b) { return joined(a, b); }
 STRING operator+(STRING const& a, char b) { return joined(a, b); }
 STRING operator+(char const* a, STRING const& b) { return joined(a, b); }

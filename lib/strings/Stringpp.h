@@ -5,10 +5,10 @@
 /// The pool of scratch buffers that every `STRING` lives on: `pBufs[0]` to `pBufs[Nb_string]` are free, the one handed
 /// back last on top, and each holds at least 510 bytes. It starts empty, fills with what strings hand back, and works
 /// before any constructor has run. One thread only.
-extern constinit char* pBufs[1001];
+extern char* pBufs[1001];
 
 /// Index of the top free buffer in `pBufs`, -1 while the pool is empty.
-extern constinit int Nb_string;
+extern int Nb_string;
 
 /// A buffer of at least n + 1 bytes with undefined contents, from the pool when n is at most 509 and the pool holds
 /// one, else from `new char[]`. The caller owns it and gives it up with `put_ptr`. Throws std::bad_alloc without
@@ -32,10 +32,10 @@ public:
   char* str;
 
   /// Outcome of the last token extraction on this text; true after construction. Assignments leave it alone.
-  bool success;
+  bool success = true;
 
   /// The read-only view of this object's own `success`.
-  const bool& ok;
+  const bool& ok = success;
 
   /// An empty text, built during static initialisation.
   static STRING EMPTY;
@@ -143,6 +143,8 @@ public:
   int getint();
   double getdouble();
 };
+
+inline STRING STRING::EMPTY;
 
 /// Change the letters A to Z or a to z, in place.
 void tolower_(STRING& s);

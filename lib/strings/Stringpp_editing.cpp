@@ -14,16 +14,11 @@ void convert(STRING& s, CONVERT converted) {
   for (char* c = s.str; *c != '\0'; ++c) *c = static_cast<char>(converted(static_cast<unsigned char>(*c)));
 }
 
-/// Takes the leading word of s for a number if it passes `test`; otherwise s keeps its text and 0 is the result.
-template <class NUMBER>
-NUMBER take_number(STRING& s, bool (STRING::*test)() const, NUMBER (STRING::*value)() const) {
-  const STRING before(s);
-  const STRING word = s.getSTRING();
-  if (!s.ok) return 0;
-  s.success = (word.*test)();
-  if (s.success) return (word.*value)();
-  s = before;
-  return 0;
+/// Tells whether a number was taken off s; otherwise s gets the text it had before.
+bool number_taken(STRING& s, STRING const& before, bool is_number) {
+  s.success = is_number;
+  if (!is_number) s = before;
+  return is_number;
 }
 
 /// Where a real number can stand after a part of it; a text that ends in `fraction` or `exponent` is a whole one.
@@ -97,7 +92,7 @@ STRING& STRING::clear_space() {
   char* end = str + std::strlen(str);
   while (end != str && end[-1] == ' ') --end;
   *end = '\0';
-  replace(*this, str + std::strspn(str, " "));
+  assign_anew(*this, str + std::strspn(str, " "));
   return *this;
 }
 
@@ -150,11 +145,19 @@ STRING STRING::getSTRING() {
   }
   const std::size_t length = std::strcspn(str, " ,");
   STRING word;
-  assign(word, {str, length});
+  assign_in_place(word, {str, length});
   *this = str + length;
   return word;
 }
 
-int STRING::getint() { return take_number(*this, &STRING::if_int, &STRING::to_int); }
+int STRING::getint() {
+  const STRING before(*this);
+  const STRING word = getSTRING();
+  return number_taken(*this, before, word.if_int()) ? word.to_int() : 0;
+}
 
-double STRING::getdouble() { return take_number(*this, &STRING::if_double, &STRING::to_double); }
+double STRING::getdouble() {
+  const STRING before(*this);
+  const STRING word = getSTRING();
+  return number_taken(*this, before, word.if_double()) ? word.to_double() : 0.0;
+}

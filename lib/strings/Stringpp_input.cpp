@@ -28,7 +28,7 @@ std::istream& operator>>(std::istream& is, STRING& s) {
   if (word.size() > longest) {
     const STRING length = itoa(static_cast<int>(word.size()));
     ERROR_MESSAGER::static_err_message("word is too long (length=" + length + ") to be read from standard input",
-                                       "Stringpp", 324);
+                                       "Stringpp", 324); // a fixed text, like the place it names
   }
   s = word.c_str();
   return is;

@@ -2,14 +2,25 @@
 #include <climits>
 #include <cstring>
 #include <iostream>
+#include <iterator>
 #include <string>
+#include <string_view>
 
 #include "lib/files/File.h"
 #include "lib/files/Stream_characters.h"
 
 namespace {
 
-/// Follows line ends and line markers through a text.
+/// The text up to its first line end, which is included; all of it without one.
+std::string_view first_line(std::string_view text) {
+  for (const char end : {'\n', '\r'}) {
+    const std::size_t found = text.find(end);
+    if (found != std::string_view::npos) text = text.substr(0, found + 1);
+  }
+  return text;
+}
+
+/// Follows line ends and line markers through a text that comes in blocks.
 class LINE_COUNTER {
 public:
   /// Starts at line 1 of `name`, which becomes the name that a marker gives.
@@ -17,17 +28,29 @@ public:
 
   int line() const { return static_cast<int>(std::min<long long>(current, INT_MAX)); }
 
-  void take(char c) {
-    if (c == '\0') return; // no part of a line
-    if (!marker.empty() || (at_start && c == '#')) marker += c;
-    at_start = ends_line(c);
+  void take(std::string_view block) {
+    while (!block.empty()) {
+      const std::string_view line = first_line(block);
+      block.remove_prefix(line.size());
+      take_line(line);
+    }
+  }
+
+private:
+  /// Takes a line or a part of one. NUL bytes are no part of it.
+  void take_line(std::string_view text) {
+    const std::size_t first = text.find_first_not_of('\0');
+    if (first == std::string_view::npos) return;
+    if (!marker.empty() || (at_start && text[first] == '#')) {
+      std::remove_copy(text.begin(), text.end(), std::back_inserter(marker), '\0');
+    }
+    at_start = ends_line(text.back());
     if (!at_start) return;
     ++current;
     if (!marker.empty()) apply_marker();
     marker.clear();
   }
 
-private:
   void apply_marker() {
     const std::size_t blank = marker.find(' ');
     if (blank == std::string::npos) return;
@@ -58,15 +81,11 @@ void ASCII_FILE::get_file_info(STRING& file, int& line) {
   f.goto_position(0);
 
   LINE_COUNTER counter(file);
-  std::streamoff left = position;
-  const auto take = [&](char c) {
-    if (left <= 0) return false;
-    --left;
-    counter.take(c);
-    return true;
-  };
-  const auto state = pass_while(f, take);
-  if (left > 0) f.setstate(state);
+  char block[1 << 15];
+  for (std::streamoff left = position; left > 0 && f.good(); left -= f.gcount()) {
+    f.read(block, std::min<std::streamoff>(left, sizeof block));
+    counter.take({block, static_cast<std::size_t>(f.gcount())});
+  }
   if (position > 0) f.previous_pos = position - 1;
   line = counter.line();
   f.success = success_before;

@@ -20,8 +20,8 @@ constexpr std::array<bool, 256> token_characters = [] {
   return allowed;
 }();
 
-bool in_token(char c) { return token_characters[static_cast<unsigned char>(c)]; }
-bool in_line(char c) { return !ends_line(c) && c != '\0'; }
+constexpr auto in_token = [](char c) { return token_characters[static_cast<unsigned char>(c)]; };
+constexpr auto in_line = [](char c) { return !ends_line(c) && c != '\0'; };
 bool starts_comment(char c) { return c == '%' || c == '#'; }
 
 /// The characters of one token or line: in the stream's buffer if that holds all of them, else copied out of it.

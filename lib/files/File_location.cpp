@@ -11,9 +11,9 @@
 
 namespace {
 
-/// The text up to its first line end, which is included; all of it without one.
-std::string_view first_line(std::string_view text) {
-  for (const char end : {'\n', '\r'}) {
+/// The text up to and including its first character of `ends`; all of it without one.
+std::string_view first_line(std::string_view text, std::string_view ends) {
+  for (const char end : ends) {
     const std::size_t found = text.find(end);
     if (found != std::string_view::npos) text = text.substr(0, found + 1);
   }
@@ -29,8 +29,12 @@ public:
   int line() const { return static_cast<int>(std::min<long long>(current, INT_MAX)); }
 
   void take(std::string_view block) {
+    std::string ends; // those that the block has: another one would be looked for in each line
+    for (const char end : {'\n', '\r'}) {
+      if (block.find(end) != std::string_view::npos) ends += end;
+    }
     while (!block.empty()) {
-      const std::string_view line = first_line(block);
+      const std::string_view line = first_line(block, ends);
       block.remove_prefix(line.size());
       take_line(line);
     }

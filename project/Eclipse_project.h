@@ -18,7 +18,8 @@ struct SOURCE_DIR : NAMED_NODE {
   BUFF_LIST<SOURCE_FILE*> files{16, 256};
 };
 
-/// A source file. It belongs to the first of the project's directories whose name is that of `dir`.
+/// A source file. It belongs to the first of the project's directories whose name is that of `dir`, which has to be
+/// set.
 struct SOURCE_FILE : NAMED_NODE {
   LIST<NAMED_NODE*> refs;
   SOURCE_DIR* dir = nullptr;

@@ -8,7 +8,9 @@
 /// The part of the path behind its last '/', as a pointer into it; all of it without a '/'.
 char* basename(char* path) noexcept; // NOLINT(readability-redundant-declaration)
 
-/// Lists the source or header files of one directory and, for each, the names it includes with angle brackets.
+/// Lists the source or header files of one directory and, for each, the names it includes with angle brackets. A
+/// directory of a matching name, `X.c`, is listed as well. Lines are not parsed: `#include` counts inside a comment,
+/// too, and `#  include` does not count.
 ///
 /// An include list has places for 1024 names, which take half a megabyte. The scanner owns the lists and deletes them
 /// when it is reset, scans again or goes away.

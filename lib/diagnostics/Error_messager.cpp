@@ -27,7 +27,9 @@ void write_position(char const* source_file, int source_line) {
 
 constinit ERROR_MESSAGER* ERROR_MESSAGER::active_error_messager = &default_messager;
 
-ERROR_MESSAGER::~ERROR_MESSAGER() = default;
+ERROR_MESSAGER::~ERROR_MESSAGER() {
+  if (active_error_messager == this) active_error_messager = &default_messager;
+}
 
 void ERROR_MESSAGER::do_EXIT() { std::exit(1); }
 

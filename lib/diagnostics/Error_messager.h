@@ -7,7 +7,8 @@ inline STRING EMPTY;
 
 /// Where every report of the library goes. This class writes a report to standard error and, unless it is a plain
 /// message or an alert, ends the process with status 1. A program that wants reports handled otherwise derives a class,
-/// overrides the virtual operations and installs an object of it; those who report stay as they are. One thread only.
+/// overrides the virtual operations, with `override`, and installs an object of it; those who report stay as they are.
+/// One thread only.
 ///
 /// A source file and line say where in the program's own sources the report was made, as `__FILE__` and `__LINE__` do.
 /// A report returns to who made it only if the `do_EXIT` it goes through returns.
@@ -36,13 +37,15 @@ public:
   virtual void message(STRING text);
   virtual void alert(STRING text);
 
+  /// Installs `default_messager` if this is the active messager. What the derived class holds is gone by then, so it is
+  /// better to install another one before.
   virtual ~ERROR_MESSAGER();
 
   /// The messager that receives all reports; `default_messager` from the very start, never owned.
   static ERROR_MESSAGER* active_error_messager;
 
-  /// Sends all later reports to `messager`, which stays the caller's and must outlive its use. REQUIRES: it is not
-  /// null.
+  /// Sends all later reports to `messager`, which stays the caller's and is there until another one is installed.
+  /// REQUIRES: it is not null.
   static void reassign_error_messager(ERROR_MESSAGER* messager);
 
   /// Each of these hands its arguments to the operation of the active messager that it is named for.

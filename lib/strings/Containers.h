@@ -3,10 +3,15 @@
 #include <algorithm>
 #include <climits>
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <type_traits>
 
 /// An owned array with an explicit element count, the root of the four containers. `T` needs a default constructor and
-/// assignment, and `==` for the searches of `CARRAY`.
+/// assignment, and for the three that can be searched `==`, used or not.
+///
+/// Containers cannot be copied: hand them on by reference or pointer. Places that are spare hold elements, too; a spare
+/// `STRING` takes 512 bytes like any other.
 ///
 /// Pointers and references to elements are valid until the storage is next replaced. Indexes and sizes are not checked.
 /// An operation that cannot get memory throws std::bad_alloc; one that releases the old elements first then leaves the
@@ -36,7 +41,7 @@ public:
   /// Changes the count alone; the caller keeps n within the storage.
   virtual void set_size(int n) { size = n; }
 
-  /// Drops the elements and makes n new ones; without storage when n is 0 or less. `resize(0)` empties any container.
+  /// Drops all elements and makes n new ones; without storage when n is 0 or less. `resize(0)` empties any container.
   virtual void resize(int n) {
     release();
     if (n >= 1) allocate(n);
@@ -106,7 +111,12 @@ public:
 private:
   /// Elements stand on the left and are not const, for types whose `==` is a member that is not const.
   static auto equals(T const& x) {
-    return [&x](T& element) -> bool { return element == x; };
+    constexpr bool comparable = std::is_invocable_r_v<bool, std::equal_to<>, T&, T const&>;
+    static_assert(comparable, "CARRAY, LIST and BUFF_LIST need an operator== for their elements");
+    return [&x](T& element) {
+      if constexpr (comparable) return static_cast<bool>(element == x);
+      return false;
+    };
   }
 
   int position(T const& x) const {
@@ -124,7 +134,8 @@ public:
   void add(T const& x) { this->grow(this->count() + 1, x); }
 };
 
-/// A list with spare room that grows by a fixed step. For long lists.
+/// A list with spare room that grows by a fixed step. For long lists; for very long ones, which a fixed
+/// step makes slow, with this ahead of each `add`: if (l.size == l.capacity) l.increment = l.capacity;
 template <class T>
 class BUFF_LIST : public CARRAY<T> {
 public:

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
+#include <string_view>
 
 /// The pool of scratch buffers that every `STRING` lives on: `pBufs[0]` to `pBufs[Nb_string]` are free, the one handed
 /// back last on top, and each holds at least 510 bytes. It starts empty, fills with what strings hand back, and works
@@ -21,9 +23,14 @@ void put_ptr(char* p);
 /// An owned, NUL-terminated byte string with value semantics, made for many short-lived texts.
 ///
 /// The text lives in a buffer of the pool above, so making and dropping texts of up to 509 bytes costs no heap call
-/// once the pool is warm; a longer text gets a buffer of its own size. The length is not stored but measured, so a text
-/// never holds a NUL byte. There is no spare capacity: an operation that lengthens the text takes a new buffer, which
-/// ends the validity of every pointer into the old one.
+/// once the pool is warm; a longer text gets a buffer of its own size. So a text that is kept takes 512 bytes or more,
+/// an empty one, too. The length is not stored but measured, so a text never holds a NUL byte. There is no spare
+/// capacity: an operation that lengthens the text takes a new buffer, which ends the validity of every pointer into the
+/// old one.
+///
+/// `s.str` and `std::string(s.str)` hand the text to the standard library, `s = t.c_str()` takes it back; `itoa(5).str`
+/// dangles as soon as its line has ended. A number converts to the character of that code: `s += 65` appends 'A', and
+/// `LIST<STRING>::add(5)` or `write(stream, 5)` takes a control character. Write `itoa(n)` or `ftoa(x)` there.
 ///
 /// An operation that cannot get memory throws std::bad_alloc and leaves the text valid.
 class STRING {
@@ -71,6 +78,10 @@ public:
   bool operator<(STRING const& s) const;
   bool operator>(char const* s) const;
   bool operator>(STRING const& s) const;
+  bool operator<=(char const* s) const;
+  bool operator<=(STRING const& s) const;
+  bool operator>=(char const* s) const;
+  bool operator>=(STRING const& s) const;
 
   /// Appends s, which may be this text or a part of it. A null s or a NUL c appends nothing.
   STRING& operator+=(STRING const& s);
@@ -92,7 +103,8 @@ public:
   /// The real number at the start of the text, its exponent written with e, E, d or D; 0 without one.
   double to_double() const;
 
-  // Editing. A blank is the space character alone; what the text lacks cannot be cut, so the text then stays as it is.
+  // Editing: each changes the text it is called on, also where it returns it. A blank is the space character alone;
+  // what the text lacks cannot be cut, so the text then stays as it is.
 
   /// Drops every c, in place.
   void remove_all(char c);
@@ -134,7 +146,9 @@ public:
 
   // Extraction. Each takes the word at the start of the text, up to a blank, a comma or the end, and leaves the rest,
   // trimmed at both ends, with what ended the word in front. `ok` tells whether it took one; the text stays as it was
-  // if not. A comma is never passed: in front of it the word is empty.
+  // if not. A comma is never passed: in front of it the word is empty, again and again. To read over commas, make them
+  // blanks first: while (char* comma = s.locate(',')) *comma = ' ';
+  // for (STRING word = s.getSTRING(); s.ok; word = s.getSTRING()) ...
 
   /// The word; the empty text from a text of blanks.
   STRING getSTRING();
@@ -145,6 +159,11 @@ public:
 };
 
 inline STRING STRING::EMPTY;
+
+template <>
+struct std::hash<STRING> {
+  std::size_t operator()(STRING const& s) const { return std::hash<std::string_view>()(s.str); }
+};
 
 /// Change the letters A to Z or a to z, in place.
 void tolower_(STRING& s);

@@ -39,10 +39,18 @@ public:
   }
 };
 
+/// Moves back behind a reader that has met the end of the file. Another one, or a report, would lose the position there,
+/// and with it the place where reading goes on.
+void leave_end(ASCII_FILE& file) {
+  if (file.fail()) file.back();
+}
+
 /// Reports the word that stands where something else should, or that there is none on this line.
 void report_word(ASCII_FILE& file) {
-  const STRING word = file.getSTRING_sl();
-  if (file.fail()) file.back(); // at the end of the file, the position would be lost
+  leave_end(file);
+  STRING word = file.getSTRING_sl();
+  if (!file.ok) word = "";
+  leave_end(file);
   KBAD(word);
 }
 
@@ -60,12 +68,14 @@ double read_double(ASCII_FILE& file) {
 
 STRING read_name(ASCII_FILE& file) {
   const STRING name = file.getSTRING_sl();
-  if (!file.ok) report_word(file);
-  return name;
+  if (file.ok) return name;
+  report_word(file);
+  return "";
 }
 
 void include(ASCII_FILE& file) {
   file.include_file();
+  leave_end(file); // where the name was missing
   ASCII_FILE const& included = *file.included_file;
   if (included.fail()) ERROR_MESSAGER::STATIC_INPUT_ERROR("Cannot open: " + included.name, __FILE__, __LINE__);
 }

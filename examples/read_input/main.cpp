@@ -39,8 +39,8 @@ public:
   }
 };
 
-/// Moves back behind a reader that has met the end of the file. Another one, or a report, would lose the position there,
-/// and with it the place where reading goes on.
+/// Moves back behind a reader that has met the end of the file. Another one, or a report, would lose the position
+/// there, and with it the place where reading goes on.
 void leave_end(ASCII_FILE& file) {
   if (file.fail()) file.back();
 }

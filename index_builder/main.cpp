@@ -127,8 +127,9 @@ void complete_standard_streams() {
 } // namespace
 
 int main(int argc, char* argv[]) {
-  // A message may have lost its reader. Unlike SIG_IGN, this is not handed on to what the shell runs.
-  std::signal(SIGPIPE, [](int) {});
+  // A message may have lost its reader, a file may have reached its limit. Unlike SIG_IGN, a function is not handed on
+  // to what the shell runs.
+  for (const int fatal : {SIGPIPE, SIGXFSZ}) std::signal(fatal, [](int) {});
   complete_standard_streams();
   try {
     make_index(STRING(argc > 1 ? argv[1] : "") + ".idx");

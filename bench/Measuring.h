@@ -35,13 +35,13 @@ benchmark::internal::Benchmark* compare(std::string const& title, OURS ours, BAS
 /// is to be timed, after a run that fills the caches and the pool; the counter shows the seconds for one item.
 template <class PREPARE>
 void grow(std::string const& title, int first, int last, PREPARE prepare) {
-  using benchmark::Counter;
   const auto run = [=](benchmark::State& state) {
-    const auto work = prepare(static_cast<int>(state.range()));
+    const auto n = state.range();
+    const auto work = prepare(static_cast<int>(n));
     work();
     for (auto _ : state) work();
-    state.counters["item"] =
-        Counter(static_cast<double>(state.range()), Counter::kIsIterationInvariantRate | Counter::kInvert);
+    using C = benchmark::Counter;
+    state.counters["item"] = C(static_cast<double>(n), C::kIsIterationInvariantRate | C::kInvert);
   };
   auto* const sizes = benchmark::RegisterBenchmark(title.c_str(), run)->UseRealTime()->Unit(benchmark::kMillisecond);
   for (int n = first; n <= last; n *= 10) sizes->Arg(n);

@@ -50,7 +50,6 @@ int main(int argc, char* argv[]) {
     const auto sort = shell("cat big.idx | sort -f > oo");
     compare("kindex against cat and sort", shell("'" KINDEX "' big"), sort)->Iterations(9);
     grow("kindex", 1000, 1'000'000, [](int n) { return write_index("grown.idx", n), shell("'" KINDEX "' grown"); });
-
     write_document();
     const auto latex = shell("pdflatex -interaction=batchmode document > out");
     latex();

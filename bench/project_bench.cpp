@@ -34,9 +34,8 @@ struct MAKE_INPUT {
 
   explicit MAKE_INPUT(int count) : libs("klibrary", count * 4 / 5), targets("kprogram", count / 5) {
     for (int i = 0; i < 20 * libs.size; ++i) libs[i / 20]->dirs.add(numbered("ksource", i));
-    for (int i = 0; i < 10 * targets.size; ++i) {
-      targets[i / 10]->dirs.add(libs[i * 7919 % libs.size]->name);
-      targets[i / 10]->dirs.add(numbered("kmain", i));
+    for (int i = 0; i < 20 * targets.size; ++i) {
+      targets[i / 20]->dirs.add(i % 2 == 0 ? libs[i * 7919 % libs.size]->name : numbered("kmain", i));
     }
     project.libs = &libs;
     project.targets = &targets;

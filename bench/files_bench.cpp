@@ -55,7 +55,7 @@ void locate_end() {
 
 int main(int argc, char* argv[]) {
   return run_benchmarks(argc, argv, [] {
-    write_tokens(300'000);
+    write_tokens(100'000);
     compare("getSTRING against tellg and >>", whole<ASCII_FILE>(token), whole<std::ifstream>(after_tellg<std_token>));
     compare("getint against getSTRING", whole<ASCII_FILE>(integer), whole<ASCII_FILE>(token));
     compare("getline against tellg and std::getline", whole<ASCII_FILE>(line),

@@ -13,17 +13,16 @@ namespace {
 
 void tell(std::string const& text) { std::cerr << "project_files: " << text << '\n'; }
 
-/// Fails unless a file, or a directory with a '/' at its end, can be read, which a scan does not tell.
-void check_access(fs::path const& path) {
-  if (access(path.c_str(), path.has_filename() ? R_OK : R_OK | X_OK) == 0) return;
-  const fs::path name = path.has_filename() ? path : path.parent_path();
-  throw std::system_error(errno, std::generic_category(), "cannot read " + name.string());
+/// Fails unless the path can be read, which a scan does not tell.
+void check_access(fs::path const& path, int mode) {
+  if (access(path.c_str(), mode) != 0)
+    throw std::system_error(errno, std::generic_category(), "cannot read " + path.string());
 }
 
 std::set<std::string> k_directories(fs::path const& root) {
   char here[2048]; // a scan that could not come back from there would find nothing
   if (getcwd(here, sizeof here) == nullptr) throw std::runtime_error("the name of the working directory is too long");
-  check_access(root / "");
+  check_access(root / "", R_OK | X_OK);
   std::set<std::string> names;
   for (fs::directory_entry const& entry : fs::directory_iterator(root)) {
     std::error_code unknown;
@@ -41,7 +40,7 @@ KIND kind_of(std::string const& file) {
 
 /// Hidden files are left out, as make does.
 TREE_DIRECTORY scan_directory(fs::path const& path) {
-  check_access(path / "");
+  check_access(path, R_OK | X_OK);
   STRING path_text = path.c_str();
   TREE_DIRECTORY directory;
   KDIR_SCANNER scanner;
@@ -53,7 +52,7 @@ TREE_DIRECTORY scan_directory(fs::path const& path) {
       const std::string name = scanner.found_files[i].str;
       std::error_code unknown;
       if (name.starts_with('.') || fs::is_directory(path / name, unknown)) continue;
-      check_access(path / name);
+      check_access(path / name, R_OK);
       auto& includes = directory.files[name];
       directory.kind = std::max(directory.kind, kind_of(name));
       for (STRING const& included : *scanner.includes[i]) {
@@ -63,8 +62,6 @@ TREE_DIRECTORY scan_directory(fs::path const& path) {
   }
   return directory;
 }
-
-std::string path_of(std::string const& directory, std::string const& file) { return directory + '/' + file; }
 
 /// Finds the owner of each file name. Fails if make would take a name apart or give two sources one object.
 void find_owners(TREE& tree) {
@@ -77,9 +74,10 @@ void find_owners(TREE& tree) {
   for (auto const& [name, directory] : tree.directories) {
     check(name, name);
     for (auto const& [file, includes] : directory.files) {
-      check(file, path_of(name, file));
+      const std::string path = name + '/' + file;
+      check(file, path);
       const auto [owner, is_new] = tree.owners.emplace(file, name);
-      const std::string both = path_of(owner->second, file) + " and " + path_of(name, file);
+      const std::string both = owner->second + '/' + file + " and " + path;
       if (!is_new && file.ends_with(".c")) refuse(both + " would share one object");
       if (!is_new && file.ends_with(".h")) tell("of " + both + " the first counts");
     }
@@ -97,8 +95,8 @@ void find_uses(TREE& tree) {
         directory.uses.insert(owner->second);
         used.insert(owner->second);
         if (tree.directories[owner->second].kind != KIND::EXECUTABLE) continue;
-        tell(path_of(name, file) + " includes " + path_of(owner->second, header) +
-             " of an executable: nothing copies it");
+        const std::string copied = owner->second + '/' + header;
+        tell(name + '/' + file + " includes " + copied + " of an executable: nothing copies it");
       }
     }
   }

@@ -1,5 +1,3 @@
-// Writes the make file and the Eclipse description of a C source tree from what a scan of its directories finds.
-
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -40,8 +38,8 @@ std::string text_of(PROJECT& project) {
   project.splash();
   std::ifstream file(path);
   std::string text((std::istreambuf_iterator<char>(file)), {});
-  const bool has_room = !text.empty() && pwrite(memory, "", 1, static_cast<off_t>(text.size())) == 1;
-  if (!has_room) throw std::system_error(errno, std::generic_category(), "cannot write to memory");
+  if (text.empty() || pwrite(memory, "", 1, static_cast<off_t>(text.size())) != 1) // one more byte has room if all had
+    throw std::system_error(errno, std::generic_category(), "cannot write to memory");
   close(memory);
   return text;
 }
@@ -103,12 +101,10 @@ struct NEW_VERSION {
   const std::string failure;
   fs::path target, temporary;
 
-  explicit NEW_VERSION(fs::path const& path) : failure("cannot write " + path.string()), target(path) {
-    std::error_code error;
-    if (fs::is_symlink(path)) target = fs::canonical(path, error);
-    if (error) throw std::system_error(error, failure);
-    if (fs::exists(target) && !fs::is_regular_file(target)) throw std::runtime_error(failure + ": not a regular file");
-    check(!fs::exists(target) || access(target.c_str(), W_OK) == 0);
+  explicit NEW_VERSION(fs::path const& path) : failure("cannot write " + path.string()) {
+    if (fs::exists(path) && !fs::is_regular_file(path)) throw std::runtime_error(failure + ": not a regular file");
+    check(access(path.c_str(), W_OK) == 0 || (errno == ENOENT && !fs::is_symlink(path)));
+    target = fs::weakly_canonical(path);
     temporary = target.parent_path() / ("." + target.filename().string() + '.' + std::to_string(getpid()));
   }
   ~NEW_VERSION() { unlink(temporary.c_str()); }

@@ -1,17 +1,15 @@
-#include "fuzz/Fuzzer.h"
-
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 
+#include "tests/Model.h"
+#include "tests/Scratch_directory.h"
+
+/// Runs each input as a program for the model that the target is built for.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   static const SCRATCH_DIRECTORY scratch;
-  check({reinterpret_cast<char const*>(data), size});
-  return 0;
-}
-
-void same(std::string const& result, std::string const& expected) {
-  if (result == expected) return;
-  std::fprintf(stderr, "found:\n%s\nexpected:\n%s\n", result.c_str(), expected.c_str());
+  const std::string found = DIFFERENCE({reinterpret_cast<char const*>(data), size});
+  if (found.empty()) return 0;
+  std::fputs(found.c_str(), stderr);
   std::abort();
 }

@@ -9,21 +9,13 @@
 /// A new empty directory that is the working directory for as long as this object lives, and is gone afterwards.
 class SCRATCH_DIRECTORY {
 public:
-  SCRATCH_DIRECTORY() {
-    std::string name = (std::filesystem::temp_directory_path() / "kindex-XXXXXX").string();
-    path = mkdtemp(name.data());
-    std::filesystem::current_path(path);
-  }
-  SCRATCH_DIRECTORY(SCRATCH_DIRECTORY const&) = delete;
-  SCRATCH_DIRECTORY& operator=(SCRATCH_DIRECTORY const&) = delete;
+  SCRATCH_DIRECTORY() { std::filesystem::current_path(path); }
   ~SCRATCH_DIRECTORY() {
     std::filesystem::current_path(before);
     std::filesystem::remove_all(path);
   }
 
-  std::filesystem::path path;
-
-private:
+  std::filesystem::path path = mkdtemp((std::filesystem::temp_directory_path() / "kindex-XXXXXX").string().data());
   std::filesystem::path before = std::filesystem::current_path();
 };
 

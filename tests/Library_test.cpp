@@ -1,0 +1,134 @@
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <random>
+#include <tuple>
+
+#include "lib/files/File.h"
+#include "project/Eclipse_project.h"
+#include "project/Make_project.h"
+#include "tests/Model.h"
+
+namespace {
+
+using std::string_literals::operator""s;
+
+/// Writes a make file, an Eclipse file and a binary file. The program may be "unknown": so is a directory then.
+std::string files_difference(std::string const& program) {
+  std::cout.rdbuf(nullptr); // for the progress lines
+  MAKE_PROJECT make;
+  SOURCE_DIR first{{"k"}, {}}, second{{"k"}, {}}, own{{program == "unknown" ? "K" : "k"}, {}};
+  SOURCE_FILE file{{"a.c"}, {}, &own};
+  LIST<SOURCE_DIR*> dirs;
+  dirs.add(&first);
+  dirs.add(&second);
+  LIST<SOURCE_FILE*> files;
+  files.add(&file);
+  ECLIPSE_PROJECT eclipse;
+  eclipse.file_name = "structure";
+  eclipse.dirs = &dirs;
+  STRING text;
+  under_test([&] {
+    make.splash();
+    eclipse.splash();
+    eclipse.files = &files;
+    eclipse.splash();
+    eclipse.splash(); // adds the file once more, since a directory has none
+    OBIN_FILE records("records", 36);
+    write(records, "hi");
+    records.open("other", 32);
+    records.open("records", 4);
+    read(records, text);
+  });
+  return difference(shown(text, make.file_name, contents("structure"), contents("other")),
+                    "hi kmakefile 2\nk\nk\n0\n2\na.c\n0\na.c\n0\n0\n0\n  ");
+}
+
+/// The models and how many programs show what they do.
+const std::tuple<char const*, DIFFERENCE_FUNCTION*, unsigned> models[] = {
+    {"strings", strings_difference, 400}, {"containers", containers_difference, 200},
+    {"reading", reading_difference, 400}, {"index", index_difference, 400},
+    {"scanner", scanner_difference, 100}, {"other files", files_difference, 1}};
+
+/// A program of that many bytes, most of which stand for telling pieces where a text is meant.
+std::string any_program(unsigned seed, std::size_t length) {
+  std::mt19937 random(seed);
+  std::string program(length, ' ');
+  for (char& c : program) c = static_cast<char>(random() % 6 == 0 ? random() % 128 : 128 + random() % 128);
+  return program;
+}
+
+TEST(Models, DoWhatTheirSubsystemsDo) {
+  const SCRATCH_DIRECTORY scratch;
+  for (auto const& [name, run, programs] : models) {
+    for (unsigned i = 0; i < programs; ++i) ASSERT_EQ(run(any_program(i, i * 37 % 999)), "") << name << i;
+  }
+}
+
+TEST(Faults, LeaveNothingBehindWhicheverCallFails) {
+  const SCRATCH_DIRECTORY scratch;
+  const NOTING_MESSAGER returning([](char const*) {});
+  const auto surroundings = [&] {
+    const std::filesystem::directory_iterator files("/proc/self/fd");
+    const bool inside = std::filesystem::current_path() == scratch.path;
+    return std::tuple(inside, std::distance(begin(files), end(files)), FAULTS::live - Nb_string);
+  };
+  std::string result(1 << 20, ' '); // allocates no more
+  bool told = false;
+  for (auto const& [name, run, programs] : models) {
+    const std::string program = any_program(7, 400);
+    ASSERT_EQ(run(program), "") << name;
+    for (int n = 1, left = 0; left <= 0; ++n) {
+      const auto before = surroundings();
+      FAULTS::calls_left = n;
+      result.assign(run(program).c_str());
+      left = FAULTS::calls_left;
+      FAULTS::calls_left = 0;
+      told = told || result.find("kindex: out of memory\n") != std::string::npos;
+      const bool goes_on = run == strings_difference || run == containers_difference;
+      ASSERT_EQ(goes_on ? result : "", "") << name << ", call " << n;
+      ASSERT_EQ(surroundings(), before) << name << ", call " << n;
+    }
+    ASSERT_EQ(run(program), "") << name;
+  }
+  EXPECT_TRUE(told);
+}
+
+TEST(EclipseProject, EndsTheProcessWithoutADirectoryOfAFilesName) {
+  const SCRATCH_DIRECTORY scratch;
+  EXPECT_EXIT(files_difference("unknown"), testing::ExitedWithCode(1),
+              "^Error, cannot find source dir named: K .for file: a.c.\n$");
+  EXPECT_EQ(contents("structure"), "2\nk\nk\n");
+}
+
+TEST(Pool, AsksForWhatItsRulesSay) {
+  delete[] new STRING[1100]; // more than it keeps
+  EXPECT_EQ(Nb_string, 1000);
+  const STRING longest(std::string(508, 'x').c_str()), text(std::string(600, 'x').c_str());
+  STRING s;
+  const auto asked = [](auto const& action) {
+    const std::size_t before = FAULTS::bytes;
+    action();
+    return FAULTS::bytes - before;
+  };
+  const std::size_t warm[] = {asked([&] { s = (STRING(longest).cut_out('x') + "a" + itoa(5)).getSTRING(); }),
+                              asked([&] { STRING copy(text); }), asked([&] { s = text; }), asked([&] { s += s; })};
+  EXPECT_EQ(shown(warm[0], warm[1], warm[2], warm[3]), "0 602 601 1201 ");
+  while (Nb_string >= 0) delete[] pBufs[Nb_string--];
+  const std::size_t cold[] = {asked([&] { STRING copy(text); }), asked([&] { STRING a, b; }), asked([] { STRING a; })};
+  EXPECT_EQ(shown(cold[0], cold[1], cold[2]), "602 510 0 ");
+}
+
+TEST(Commands, PrintWhatTheirCasesSay) {
+  setenv("PATH", (PROGRAMS ":"s + std::getenv("PATH")).c_str(), 1);
+  const std::string cases = contents(TEST_DATA "/cases.txt") + "## ";
+  for (std::size_t at = 0, next = 0; (next = cases.find("## ", at + 1)) != std::string::npos; at = next) {
+    const SCRATCH_DIRECTORY scratch;
+    const std::size_t middle = cases.find("\n--\n", at);
+    put("commands", cases.substr(at, middle - at));
+    std::system("LC_ALL=C TEST_DATA=" TEST_DATA " sh commands > output 2>&1");
+    EXPECT_EQ(contents("output"), cases.substr(middle + 4, next - middle - 4)) << cases.substr(at, middle - at);
+  }
+}
+
+} // namespace

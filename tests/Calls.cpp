@@ -2,6 +2,8 @@
 #include <iostream>
 
 #include "lib/files/File.h"
+#include "project/Eclipse_project.h"
+#include "project/Make_project.h"
 
 using MESSAGER = ERROR_MESSAGER;
 using std::cerr;
@@ -17,6 +19,24 @@ static struct RETURNING : MESSAGER {
   void do_EXIT() override {}
   void alert(STRING text) override { MESSAGER::alert("alert: " + text); }
 } returning;
+
+/// Writes a make file without targets, and an Eclipse file of two directories of one name and a file of the name given.
+static void write_projects(char const* directory) {
+  MAKE_PROJECT().splash();
+  SOURCE_DIR first{{"k"}, {}}, second{{"k"}, {}}, own{{directory}, {}};
+  SOURCE_FILE file{{"a.c"}, {}, &own};
+  LIST<SOURCE_DIR*> dirs;
+  dirs.add(&first);
+  dirs.add(&second);
+  LIST<SOURCE_FILE*> files;
+  files.add(&file);
+  ECLIPSE_PROJECT eclipse;
+  eclipse.file_name = "structure";
+  eclipse.dirs = &dirs;
+  eclipse.files = &files;
+  eclipse.splash();
+  eclipse.splash(); // adds the file once more, since a directory has none
+}
 
 static void make(char call, ASCII_FILE& f) {
   STRING word;
@@ -57,7 +77,7 @@ static void make(char call, ASCII_FILE& f) {
   case 'F': MESSAGER::static_err_message("text", "file.cpp", 12); break;
   case 'G': MESSAGER::static_err_message("text"); break;
   case 'N': MESSAGER::STATIC_NOT_IMPLEMENTED_ERROR("text", "file.cpp", 12); break;
-  case 'P': MESSAGER::STATIC_INPUT_ERROR("text", "file.cpp", 12); break;
+  case 'Y': MESSAGER::STATIC_INPUT_ERROR("text", "file.cpp", 12); break;
   case 'C': MESSAGER::STATIC_CRITICAL("text", "file.cpp", 12); break;
   case 'X': MESSAGER::EXIT(); break;
   case 'K': KBAD("foo"); break;
@@ -65,6 +85,8 @@ static void make(char call, ASCII_FILE& f) {
   case 'V': UNKNOWN_COEF("foo"); break;
   case 'O': OBIN_FILE().open("no/such", 32); break;
   case 'Q': OBIN_FILE("none", 0); break;
+  case 'p': write_projects("k"); break;
+  case 'P': write_projects("K"); break;
   case 'a':
     for (int c = -300; c < 600; ++c) cerr << (f.allowed_character(c) == 1 ? STRING(static_cast<char>(c)) : EMPTY);
     break;

@@ -1,54 +1,20 @@
 #include <gtest/gtest.h>
 
-#include <iostream>
 #include <random>
 #include <tuple>
 
-#include "lib/files/File.h"
-#include "project/Eclipse_project.h"
-#include "project/Make_project.h"
 #include "tests/Model.h"
 
 namespace {
 
 using std::string_literals::operator""s;
 
-/// Writes a make file, an Eclipse file and a binary file. The program may be "unknown": so is a directory then.
-std::string files_difference(std::string const& program) {
-  std::cout.rdbuf(nullptr); // for the progress lines
-  MAKE_PROJECT make;
-  SOURCE_DIR first{{"k"}, {}}, second{{"k"}, {}}, own{{program == "unknown" ? "K" : "k"}, {}};
-  SOURCE_FILE file{{"a.c"}, {}, &own};
-  LIST<SOURCE_DIR*> dirs;
-  dirs.add(&first);
-  dirs.add(&second);
-  LIST<SOURCE_FILE*> files;
-  files.add(&file);
-  ECLIPSE_PROJECT eclipse;
-  eclipse.file_name = "structure";
-  eclipse.dirs = &dirs;
-  STRING text;
-  under_test([&] {
-    make.splash();
-    eclipse.splash();
-    eclipse.files = &files;
-    eclipse.splash();
-    eclipse.splash(); // adds the file once more, since a directory has none
-    OBIN_FILE records("records", 36);
-    write(records, "hi");
-    records.open("other", 32);
-    records.open("records", 4);
-    read(records, text);
-  });
-  return difference(shown(text, make.file_name, contents("structure"), contents("other")),
-                    "hi kmakefile 2\nk\nk\n0\n2\na.c\n0\na.c\n0\n0\n0\n  ");
-}
-
 /// The models and how many programs show what they do.
-const std::tuple<char const*, DIFFERENCE_FUNCTION*, unsigned> models[] = {
-    {"strings", strings_difference, 400}, {"containers", containers_difference, 200},
-    {"reading", reading_difference, 400}, {"index", index_difference, 400},
-    {"scanner", scanner_difference, 100}, {"other files", files_difference, 1}};
+const std::tuple<char const*, DIFFERENCE_FUNCTION*, unsigned> models[] = {{"strings", strings_difference, 400},
+                                                                          {"containers", containers_difference, 200},
+                                                                          {"reading", reading_difference, 400},
+                                                                          {"index", index_difference, 400},
+                                                                          {"scanner", scanner_difference, 100}};
 
 /// A program of that many bytes, most of which stand for telling pieces where a text is meant.
 std::string any_program(unsigned seed, std::size_t length) {
@@ -92,13 +58,6 @@ TEST(Faults, LeaveNothingBehindWhicheverCallFails) {
     ASSERT_EQ(run(program), "") << name;
   }
   EXPECT_TRUE(told);
-}
-
-TEST(EclipseProject, EndsTheProcessWithoutADirectoryOfAFilesName) {
-  const SCRATCH_DIRECTORY scratch;
-  EXPECT_EXIT(files_difference("unknown"), testing::ExitedWithCode(1),
-              "^Error, cannot find source dir named: K .for file: a.c.\n$");
-  EXPECT_EQ(contents("structure"), "2\nk\nk\n");
 }
 
 TEST(Pool, AsksForWhatItsRulesSay) {

@@ -1,11 +1,5 @@
 #include <sys/stat.h>
 
-#include <algorithm>
-#include <climits>
-#include <iostream>
-#include <utility>
-#include <vector>
-
 #include "lib/files/File.h"
 #include "lib/files/Stream_characters.h"
 #include "project/Kdirscanner.h"

@@ -1,13 +1,10 @@
-#include "tests/Stand_ins.h"
-
 #include <dirent.h>
 #include <dlfcn.h>
 #include <sys/uio.h>
 
 #include <cerrno>
-#include <cstdio>
 
-#include "tests/Scratch_directory.h"
+#include "tests/Model.h"
 
 /// Whether this call is the one that has to fail.
 static bool fails() {
@@ -49,8 +46,12 @@ int chdir(char const* path) noexcept { // the way back always works
 }
 char* getcwd(char* path, size_t n) noexcept { return fails() ? nullptr : real(&getcwd, "getcwd")(path, n); }
 dirent* readdir(DIR* listing) { return fails() ? nullptr : real(&readdir, "readdir")(listing); }
-ssize_t read(int file, void* to, size_t n) { return fails() ? -1 : real(&read, "read")(file, to, n); }
-ssize_t write(int file, void const* from, size_t n) { return fails() ? -1 : real(&write, "write")(file, from, n); }
+ssize_t read(int file, void* to, size_t n) {
+  return fails() ? -1 : real<ssize_t(int, void*, size_t)>(&read, "read")(file, to, n);
+}
+ssize_t write(int file, void const* from, size_t n) {
+  return fails() ? -1 : real<ssize_t(int, void const*, size_t)>(&write, "write")(file, from, n);
+}
 ssize_t writev(int file, iovec const* parts, int n) { return fails() ? -1 : real(&writev, "writev")(file, parts, n); }
 int system(char const* command) {
   if (FAULTS::sorted == nullptr) return real(&system, "system")(command);

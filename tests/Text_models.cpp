@@ -1,9 +1,5 @@
 #include <regex.h>
 
-#include <algorithm>
-#include <climits>
-#include <vector>
-
 #include "lib/strings/Containers.h"
 #include "tests/Model.h"
 

@@ -160,7 +160,7 @@ string after(std::size_t operation, FILE& f) {
 
 string reading_difference(string const& program) {
   PROGRAM in{program};
-  for (char const* const name : {"f1", "f2", "f0"}) put(name, in.text(in.below(in.below(2) == 0 ? 120 : 6)));
+  for (char const* const name : {"f1", "f2", "f0"}) put(name, in.text(in.below(in.below(2) == 0 ? 60 : 6)));
   string found, expected, *reports = &expected;
   const NOTING_MESSAGER messager([&](char const* text) { *reports += shown(text, ASCII_FILE::current_file->ok); });
   ASCII_FILE ours("f0", 0);

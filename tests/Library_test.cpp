@@ -12,8 +12,8 @@ using std::string_literals::operator""s;
 /// The models and how many programs show what they do.
 const std::tuple<char const*, DIFFERENCE_FUNCTION*, unsigned> models[] = {{"strings", strings_difference, 400},
                                                                           {"containers", containers_difference, 200},
-                                                                          {"reading", reading_difference, 400},
-                                                                          {"index", index_difference, 400},
+                                                                          {"reading", reading_difference, 300},
+                                                                          {"index", index_difference, 250},
                                                                           {"scanner", scanner_difference, 100}};
 
 /// A program of that many bytes, most of which stand for telling pieces where a text is meant.
@@ -42,7 +42,7 @@ TEST(Faults, LeaveNothingBehindWhicheverCallFails) {
   std::string result(1 << 20, ' '); // allocates no more
   bool told = false;
   for (auto const& [name, run, programs] : models) {
-    const std::string program = any_program(7, 400);
+    const std::string program = any_program(7, 300);
     ASSERT_EQ(run(program), "") << name;
     for (int n = 1, left = 0; left <= 0; ++n) {
       const auto before = surroundings();

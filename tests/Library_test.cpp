@@ -71,7 +71,7 @@ TEST(Pool, AsksForWhatItsRulesSay) {
     return FAULTS::bytes - before;
   };
   const std::size_t warm[] = {asked([&] { s = (STRING(longest).cut_out('x') + "a" + itoa(5)).getSTRING(); }),
-                              asked([&] { STRING copy(text); }), asked([&] { s = text; }), asked([&] { s += s; })};
+                              asked([&] { STRING copy(text.str); }), asked([&] { s = text; }), asked([&] { s += s; })};
   EXPECT_EQ(shown(warm[0], warm[1], warm[2], warm[3]), "0 602 601 1201 ");
   while (Nb_string >= 0) delete[] pBufs[Nb_string--];
   const std::size_t cold[] = {asked([&] { STRING copy(text); }), asked([&] { STRING a, b; }), asked([] { STRING a; })};

@@ -72,7 +72,6 @@ static void make(char call, ASCII_FILE& f) {
   case 's': cerr << f.name << f.mode << ' ' << f.rdstate() << ' ' << f.get_position() << ' ' << f.previous_pos; break;
   case 'r': MESSAGER::reassign_error_messager(&returning); break;
   case 'A': MESSAGER::STATIC_ALERT("text"); break;
-  case 'M': MESSAGER::STATIC_MESSAGE("text"); break;
   case 'E': MESSAGER::static_err_message("CLASS", "text", "file.cpp", 12); break;
   case 'F': MESSAGER::static_err_message("text", "file.cpp", 12); break;
   case 'G': MESSAGER::static_err_message("text"); break;

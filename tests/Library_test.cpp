@@ -42,14 +42,14 @@ TEST(Faults, LeaveNothingBehindWhicheverCallFails) {
   std::string result(1 << 20, ' '); // allocates no more
   for (auto const& [name, run, programs] : models) {
     const std::string program = any_program(7, 300);
-    for (int n = 1, left = 0; left <= 0; ++n) {
+    for (int n = 0, left = 0; left <= 0; ++n) { // none of the first run, which makes what stays
       const auto before = surroundings();
       FAULTS::calls_left = n;
       result.assign(run(program).c_str());
       left = FAULTS::calls_left;
       FAULTS::calls_left = 0;
       ASSERT_EQ(run == strings_difference || run == containers_difference ? result : "", "") << name << ", call " << n;
-      ASSERT_EQ(surroundings(), before) << name << ", call " << n;
+      if (n > 0) ASSERT_EQ(surroundings(), before) << name << ", call " << n;
     }
     ASSERT_EQ(run(program), "") << name;
   }

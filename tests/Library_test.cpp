@@ -49,7 +49,7 @@ TEST(Faults, LeaveNothingBehindWhicheverCallFails) {
       left = FAULTS::calls_left;
       FAULTS::calls_left = 0;
       ASSERT_EQ(run == strings_difference || run == containers_difference ? result : "", "") << name << ", call " << n;
-      if (n > 0) ASSERT_EQ(surroundings(), before) << name << ", call " << n;
+      ASSERT_EQ(n == 0 ? before : surroundings(), before) << name << ", call " << n;
     }
     ASSERT_EQ(run(program), "") << name;
   }

@@ -63,6 +63,8 @@ TREE_DIRECTORY scan_directory(fs::path const& path) {
   return directory;
 }
 
+std::string path_of(std::string const& directory, std::string const& file) { return directory + '/' + file; }
+
 /// Finds the owner of each file name. Fails if make would take a name apart or give two sources one object.
 void find_owners(TREE& tree) {
   std::string reasons;
@@ -74,10 +76,9 @@ void find_owners(TREE& tree) {
   for (auto const& [name, directory] : tree.directories) {
     check(name, name);
     for (auto const& [file, includes] : directory.files) {
-      const std::string path = name + '/' + file;
-      check(file, path);
+      check(file, path_of(name, file));
       const auto [owner, is_new] = tree.owners.emplace(file, name);
-      const std::string both = owner->second + '/' + file + " and " + path;
+      const std::string both = path_of(owner->second, file) + " and " + path_of(name, file);
       if (!is_new && file.ends_with(".c")) refuse(both + " would share one object");
       if (!is_new && file.ends_with(".h")) tell("of " + both + " the first counts");
     }
@@ -95,8 +96,8 @@ void find_uses(TREE& tree) {
         directory.uses.insert(owner->second);
         used.insert(owner->second);
         if (tree.directories[owner->second].kind != KIND::EXECUTABLE) continue;
-        const std::string copied = owner->second + '/' + header;
-        tell(name + '/' + file + " includes " + copied + " of an executable: nothing copies it");
+        const std::string copied = path_of(owner->second, header);
+        tell(path_of(name, file) + " includes " + copied + " of an executable: nothing copies it");
       }
     }
   }

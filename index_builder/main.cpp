@@ -2,12 +2,15 @@
 #include <unistd.h>
 
 #include <cctype>
+#include <charconv>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <new>
+#include <string>
 
 #include "index_builder/Index_reader.h"
 #include "lib/files/File.h"
@@ -62,16 +65,17 @@ STRING heading_of(char first) {
   }
 }
 
+/// Writes all pages at once, since inserting each into the stream would take longer than reading its entry.
 void write_item(std::ostream& out, char const* key, PAGES const& pages) {
-  out << "\\indexitem{" << key << "}{";
+  std::string list;
   for (int i = 0; i < pages.numbers.size; ++i) {
-    if (pages.flags[i] == 1) {
-      out << "{\\bf " << pages.numbers[i] << "} ";
-    } else {
-      out << pages.numbers[i] << ' ';
-    }
+    const bool principal = pages.flags[i] == 1;
+    char digits[12];
+    if (principal) list += "{\\bf ";
+    list.append(digits, std::to_chars(digits, std::end(digits), pages.numbers[i]).ptr);
+    list += principal ? "} " : " ";
   }
-  out << "}\n";
+  out << "\\indexitem{" << key << "}{" << list << "}\n";
 }
 
 /// Merges the sorted entries into headings and items. An entry that the end of input cuts short does not count. False,

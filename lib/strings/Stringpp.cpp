@@ -106,8 +106,14 @@ char* STRING::locate(char c) { return std::strchr(str, c); }
 char* STRING::locate(char const* s) { return std::strstr(str, s); }
 char* STRING::locate(STRING const& s) { return std::strstr(str, s.str); }
 
-int STRING::to_int() const {
-  return static_cast<int>(std::clamp<long>(std::strtol(str, nullptr, 10), INT_MIN, INT_MAX));
+int STRING::to_int() const { // as strtol reads a number, which takes several times as long for a page of an index
+  char const* next = str;
+  while (*next == ' ' || (*next >= '\t' && *next <= '\r')) ++next;
+  const bool negative = *next == '-';
+  if (negative || *next == '+') ++next;
+  long magnitude = 0;
+  for (; *next >= '0' && *next <= '9' && magnitude <= INT_MAX; ++next) magnitude = 10 * magnitude + (*next - '0');
+  return static_cast<int>(std::clamp<long>(negative ? -magnitude : magnitude, INT_MIN, INT_MAX));
 }
 
 double STRING::to_double() const {

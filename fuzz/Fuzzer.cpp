@@ -1,10 +1,16 @@
-#include "tests/Model.h"
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+
+#include "tests/Trial.h"
 
 /// Runs each input as a program for the model that the target is built for.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   static const SCRATCH_DIRECTORY scratch;
-  const std::string found = DIFFERENCE({reinterpret_cast<char const*>(data), size});
-  if (found.empty()) return 0;
-  std::cerr << found;
+  TRIAL trial("this input", {reinterpret_cast<char const*>(data), size});
+  MODEL(trial);
+  const std::string report = trial.report();
+  if (report.empty()) return 0;
+  std::cerr << report;
   std::abort();
 }

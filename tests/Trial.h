@@ -1,0 +1,114 @@
+#pragma once
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iomanip>
+#include <sstream>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+/// A new empty directory that is the working directory for as long as this object lives, and is gone afterwards.
+struct SCRATCH_DIRECTORY {
+  SCRATCH_DIRECTORY() { std::filesystem::current_path(path); }
+  ~SCRATCH_DIRECTORY() {
+    std::filesystem::current_path(before);
+    std::filesystem::remove_all(path);
+  }
+
+  std::filesystem::path path = mkdtemp((std::filesystem::temp_directory_path() / "kindex-XXXXXX").string().data());
+  std::filesystem::path before = std::filesystem::current_path();
+};
+
+/// The program's `new` and `delete` count here, and one `new` may fail.
+struct ALLOCATIONS {
+  static inline int before_failure = 0; // how many are left up to the one that fails; none does from 0 on
+  static inline bool may_fail = false;  // whether they count and fail now
+  static inline std::size_t bytes = 0;  // asked for so far
+  static inline long live = 0;          // not freed yet
+};
+
+/// A value as a text.
+template <class VALUE>
+std::string shown(VALUE const& value) {
+  std::ostringstream text;
+  text << std::setprecision(17) << value;
+  return text.str();
+}
+
+/// What a subsystem and its model do, each of which may return a value.
+struct OPERATION {
+  template <class OURS, class MODEL>
+  OPERATION(char const* n, OURS on_ours, MODEL on_model)
+      : name(n), ours(returning(on_ours)), model(returning(on_model)) {}
+
+  char const* name;
+  std::function<std::string()> ours;
+  std::function<std::string()> model;
+
+private:
+  template <class CALL>
+  static std::function<std::string()> returning(CALL call) {
+    return [call]() -> std::string {
+      if constexpr (std::is_void_v<std::invoke_result_t<CALL>>) {
+        call();
+        return "";
+      } else {
+        const auto value = call();
+        ALLOCATIONS::may_fail = false;
+        return shown(value);
+      }
+    };
+  }
+};
+
+/// A program of operations, which bytes stand for, run on a subsystem and on a plain model of it, and what differed.
+class TRIAL {
+public:
+  /// `title` says in the report which program this is.
+  TRIAL(std::string const& title, std::string program) : bytes(std::move(program)), lines{title} {}
+
+  /// Whether there are operations left and nothing has differed yet.
+  bool goes_on() const { return at < bytes.size() && differences.empty(); }
+
+  /// A number below n; 0 at the end of the program.
+  std::size_t below(std::size_t n) { return at < bytes.size() ? static_cast<unsigned char>(bytes[at++]) % n : 0; }
+
+  /// What the next n bytes, as far as there are any, stand for: ASCII for itself, the others for telling pieces.
+  std::string text(std::size_t n);
+
+  /// Does one of the operations, in which `new` may fail, and compares what it returns. False if it failed: then the
+  /// model has done nothing.
+  bool do_one_of(std::vector<OPERATION> const& operations, std::string const& operand);
+
+  /// Notes what is done, for the report.
+  void note(std::string const& operation, std::string const& operand);
+
+  template <class FOUND, class EXPECTED>
+  void compare(char const* field, FOUND const& found, EXPECTED const& expected) {
+    compare_texts(field, shown(found), shown(expected));
+  }
+
+  /// The title, then the operations done last.
+  std::vector<std::string> const& history() const { return lines; }
+
+  /// The history and the fields that differ; empty if none does.
+  std::string report() const;
+
+private:
+  void compare_texts(char const* field, std::string const& found, std::string const& expected);
+
+  const std::string bytes;
+  std::size_t at = 0;
+  std::vector<std::string> lines;
+  std::string differences;
+};
+
+// Each runs a trial of a subsystem, in an empty working directory.
+void strings_model(TRIAL& trial);
+void containers_model(TRIAL& trial);
+void reader_model(TRIAL& trial);
+void index_model(TRIAL& trial);

@@ -14,9 +14,8 @@ constexpr std::size_t standard_size = 510;
 
 /// As `get_ptr`, for texts of any length.
 inline char* take_buffer(std::size_t length) {
-  if (Nb_string < 0) return new char[std::max(length + 1, standard_size)];
-  if (length >= standard_size) return new char[length + 1];
-  return pBufs[Nb_string--];
+  if (length < standard_size && Nb_string >= 0) return pBufs[Nb_string--];
+  return new char[std::max(length + 1, standard_size)];
 }
 
 /// Trades `old` for a buffer that holds `length` bytes and a terminator. If this throws, `old` is still the caller's.

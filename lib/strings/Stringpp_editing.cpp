@@ -21,33 +21,11 @@ bool number_taken(STRING& s, STRING const& before, bool is_number) {
   return is_number;
 }
 
-/// Where a real number can stand after a part of it; a text that ends in `fraction` or `exponent` is a whole one.
-enum STATE { start, bare_point, sign, integer, fraction, exponent_letter, exponent_sign, exponent, none };
+char const* after_sign(char const* text) { return *text == '+' || *text == '-' ? text + 1 : text; }
 
-/// The state that follows for a sign, a point, a digit and an exponent letter.
-constexpr STATE transitions[][4] = {
-    {sign, bare_point, integer, none},       // start
-    {none, none, fraction, none},            // bare_point
-    {none, bare_point, integer, none},       // sign
-    {none, fraction, integer, none},         // integer
-    {none, none, fraction, exponent_letter}, // fraction
-    {exponent_sign, none, exponent, none},   // exponent_letter
-    {none, none, exponent, none},            // exponent_sign
-    {none, none, exponent, none},            // exponent
-};
-
-STATE after(STATE state, char c) {
-  if (is_digit(c)) return transitions[state][2];
-  switch (c) {
-  case '+':
-  case '-': return transitions[state][0];
-  case '.': return transitions[state][1];
-  case 'E':
-  case 'e':
-  case 'D':
-  case 'd': return transitions[state][3];
-  default: return none;
-  }
+char const* after_digits(char const* text) {
+  while (is_digit(*text)) ++text;
+  return text;
 }
 
 } // namespace
@@ -124,15 +102,18 @@ bool STRING::end_with(STRING const& s) const {
   return tail <= length && std::strcmp(str + (length - tail), s.str) == 0;
 }
 
-bool STRING::if_int() const {
-  if (!is_digit(*str) && *str != '+' && *str != '-') return false;
-  return std::all_of(str + 1, str + std::strlen(str), is_digit);
-}
+bool STRING::if_int() const { return *str != '\0' && *after_digits(after_sign(str)) == '\0'; }
 
 bool STRING::if_double() const {
-  STATE state = start;
-  for (char const* c = str; *c != '\0' && state != none; ++c) state = after(state, *c);
-  return state == fraction || state == exponent;
+  char const* const digits = after_sign(str);
+  char const* const point = after_digits(digits);
+  if (*point != '.') return false;
+  char const* const end = after_digits(point + 1);
+  if (end == digits + 1) return false; // a point alone
+  if (*end == '\0') return true;
+  if (std::strchr("EeDd", *end) == nullptr) return false;
+  char const* const exponent = after_sign(end + 1);
+  return *exponent != '\0' && *after_digits(exponent) == '\0';
 }
 
 STRING STRING::getSTRING() {

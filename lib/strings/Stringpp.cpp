@@ -68,6 +68,7 @@ STRING& STRING::operator=(STRING const& s) {
 }
 
 STRING& STRING::operator=(char c) {
+  // What is traded goes back first: if the pool is full, a buffer made for a long text is freed here.
   if (str[0] == '\0') str = trade_buffer(str, 1);
   str[0] = c;
   str[1] = '\0';
@@ -159,10 +160,9 @@ void read(std::istream& is, STRING& s) {
   if (is.gcount() != sizeof length || length < 0) length = 0;
 
   s.str = trade_buffer(s.str, static_cast<std::size_t>(length));
-  const struct TERMINATOR { // also when the stream is one that throws
-    std::istream& is;
-    char* text;
-    ~TERMINATOR() { text[is.gcount()] = '\0'; }
-  } terminator{is, s.str};
+  const std::ios_base::iostate throwing = is.exceptions();
+  is.exceptions(std::ios_base::goodbit); // the text gets its end first
   is.read(s.str, length);
+  s.str[is.gcount()] = '\0';
+  is.exceptions(throwing);
 }

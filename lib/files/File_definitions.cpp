@@ -8,7 +8,7 @@ using std::ios_base;
 
 namespace {
 
-enum class WORD { key, value };
+enum class PART { key, value };
 
 constexpr char unended_key[] = "unxpected end of file met while reading #define"; // a fixed text, as it is spelled
 
@@ -18,17 +18,24 @@ void report(char const* text, int source_line) {
 
 bool is_blank(char c) { return c == ' '; }
 
-/// Reads one word of a definition and drops the character that ends it. `state` is the one that reading on would set.
+/// A word of a definition, and the state that reading on after it would set: goodbit, or why the word ended.
+struct WORD {
+  STRING text;
+  ios_base::iostate state;
+};
+
+/// Reads a word and drops the character that ends it.
 ///
 /// The stream itself does not fail at its end yet, so that a report made there can still tell where that is, and
 /// finding that out does not start the file anew.
-STRING read_word(ASCII_FILE& file, WORD which, ios_base::iostate& state) {
+WORD read_word(ASCII_FILE& file, PART part) {
   pass_while(file, is_blank);
   std::string word;
   char c = '\0';
-  for (state = take_character(file, c); state == ios_base::goodbit; state = take_character(file, c)) {
+  ios_base::iostate state = take_character(file, c);
+  for (; state == ios_base::goodbit; state = take_character(file, c)) {
     const bool line_end = ends_line(c);
-    if (is_blank(c) || (line_end && which == WORD::value)) break;
+    if (is_blank(c) || (line_end && part == PART::value)) break;
     if (line_end) {
       report(unended_key, __LINE__);
     } else if (file.allowed_character(c) == 0 || c == '#') {
@@ -36,21 +43,21 @@ STRING read_word(ASCII_FILE& file, WORD which, ios_base::iostate& state) {
     }
     if (c != '\0') word += c;
   }
-  return word.c_str();
+  return {word.c_str(), state};
 }
 
 } // namespace
 
 void ASCII_FILE::add_def() {
-  ios_base::iostate state = ios_base::goodbit;
-  const STRING key = read_word(*this, WORD::key, state);
-  if (state != ios_base::goodbit) {
+  const WORD key = read_word(*this, PART::key);
+  if (key.state != ios_base::goodbit) {
     report(unended_key, __LINE__);
-  } else {
-    const STRING value = read_word(*this, WORD::value, state);
-    validate_def(key, value);
+    setstate(key.state);
+    return;
   }
-  if (state != ios_base::goodbit) setstate(state);
+  const WORD value = read_word(*this, PART::value);
+  validate_def(key.text, value.text);
+  setstate(value.state);
 }
 
 void ASCII_FILE::validate_def(STRING const& key, STRING const& value) {

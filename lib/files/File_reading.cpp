@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "lib/files/File.h"
 #include "lib/files/Stream_characters.h"
@@ -24,29 +23,18 @@ constexpr auto in_token = [](char c) { return token_characters[static_cast<unsig
 constexpr auto in_line = [](char c) { return !ends_line(c) && c != '\0'; };
 bool starts_comment(char c) { return c == '%' || c == '#'; }
 
-/// The characters of one token or line: in the stream's buffer if that holds all of them, else copied out of it.
-class GATHERED {
-public:
-  /// Takes the characters at the front of the stream that `belongs` accepts. Gives what `take_characters` gives.
-  template <class BELONGS>
-  ios_base::iostate read(std::istream& in, BELONGS belongs) {
-    return take_characters(in, [&](std::string_view ready) {
-      piece = ready.substr(0, length_while(ready, belongs));
-      const bool may_go_on = piece.size() == ready.size();
-      if (may_go_on || !copy.empty()) copy += piece;
-      return piece.size();
-    });
-  }
+/// Takes the characters at the front of the stream that `belongs` accepts into `text`. Returns what `pass_while`
+/// returns.
+template <class BELONGS>
+ios_base::iostate gather_while(std::istream& in, BELONGS belongs, std::string& text) {
+  return pass_while(in, [&](char c) {
+    const bool accepted = belongs(c);
+    if (accepted) text += c;
+    return accepted;
+  });
+}
 
-  /// Valid until the stream is read on behind the character that ended the text.
-  std::string_view text() const { return copy.empty() ? piece : std::string_view(copy); }
-
-private:
-  std::string_view piece;
-  std::string copy;
-};
-
-/// Moves to the first character of a token. Gives what `take_characters` gives.
+/// Moves to the first character of a token. Returns what `pass_while` returns.
 ios_base::iostate skip_separators(ASCII_FILE& file) {
   bool in_comment = false;
   const auto separates = [&](char c) {
@@ -68,10 +56,10 @@ bool read_token(ASCII_FILE& file, STRING& token) {
   file.line_changed = false;
   file.set_position();
   ios_base::iostate state = skip_separators(file);
-  GATHERED gathered;
-  if (state == ios_base::goodbit) state = gathered.read(file, in_token);
-  const bool found = !gathered.text().empty();
-  assign_in_place(token, found ? gathered.text() : "EOF");
+  std::string text;
+  if (state == ios_base::goodbit) state = gather_while(file, in_token, text);
+  const bool found = !text.empty();
+  assign_in_place(token, found ? text : "EOF");
   const bool only_at_end = found && (state & ios_base::badbit) == 0;
   if (!only_at_end) file.setstate(state); // behind a token that the end cuts short, `back` and error locations work on
   return found;
@@ -88,22 +76,25 @@ STRING own_token(ASCII_FILE& file) {
 }
 
 /// Reads the next line with its comment and drops its end. Gives whether there was one.
-bool read_line(ASCII_FILE& file, GATHERED& line) {
+bool read_line(ASCII_FILE& file, std::string& line) {
   ios_base::iostate state = pass_while(file, [](char c) { return c == '\n'; });
   if (state != ios_base::goodbit) {
     file.setstate(state);
     file.set_position();
     return false;
   }
-  state = line.read(file, in_line);
+  state = gather_while(file, in_line, line);
   const bool ended = state == ios_base::goodbit;
   char terminator = '\0';
   if (ended) take_character(file, terminator);
   // A line is one only if two characters are there to be read, its end and what follows it included.
-  const bool single = line.text().size() + (ended ? 1 : 0) < 2;
-  if (single && ended) state = state_of_next(file);
+  const bool single = line.size() + (ended ? 1 : 0) < 2;
+  if (single && ended) state = pass_while(file, [](char) { return false; });
   const bool none = single && state != ios_base::goodbit;
-  if (none) file.set_position();
+  if (none) {
+    file.set_position();
+    line.clear();
+  }
   if (none || !ended) file.setstate(state);
   return !none;
 }
@@ -124,32 +115,33 @@ int ASCII_FILE::allowed_character(int ch) const { // NOLINT(readability-convert-
 }
 
 STRING ASCII_FILE::getSTRING() {
-  if (included_file == nullptr) return own_token(*this);
-
-  std::vector<ASCII_FILE*> chain = {this}; // from here to the innermost file
-  while (chain.back()->included_file != nullptr) chain.push_back(chain.back()->included_file);
-  for (;;) {
-    STRING token = own_token(*chain.back());
-    std::size_t level = chain.size() - 1;
-    for (; level > 0; --level) {
-      chain[level - 1]->success = chain[level]->ok;
-      if (token == "EOF") break;
-      outermost().def_mask(token);
+  // A loop, since files may include each other a thousand levels deep: in a recursion each level would look for the
+  // outermost file anew.
+  ASCII_FILE* file = this;
+  while (file->included_file != nullptr) file = file->included_file;
+  STRING token = own_token(*file);
+  while (file != this) {
+    ASCII_FILE* const parent = file->parent_file;
+    parent->success = file->ok;
+    if (token == "EOF") {
+      delete std::exchange(parent->included_file, nullptr);
+      token = own_token(*parent);
+    } else {
+      def_mask(token);
     }
-    if (level == 0) return token;
-    chain.resize(level);
-    delete std::exchange(chain.back()->included_file, nullptr);
+    file = parent;
   }
+  return token;
 }
 
 STRING ASCII_FILE::getSTRING_sl() { return on_same_line(*this, getSTRING()); }
 
 STRING ASCII_FILE::getline() {
   const std::streamoff start = get_position();
-  GATHERED line;
+  std::string line;
   success = read_line(*this, line);
   if (success) previous_pos = start;
-  std::string_view text = success ? line.text() : "";
+  std::string_view text = line;
   if (skip_comments != 0) {
     for (const char mark : {'%', '#'}) text = text.substr(0, text.find(mark));
   }

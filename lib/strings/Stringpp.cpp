@@ -83,10 +83,6 @@ bool STRING::operator<(char const* s) const { return std::strcmp(str, s) < 0; }
 bool STRING::operator<(STRING const& s) const { return std::strcmp(str, s.str) < 0; }
 bool STRING::operator>(char const* s) const { return std::strcmp(str, s) > 0; }
 bool STRING::operator>(STRING const& s) const { return std::strcmp(str, s.str) > 0; }
-bool STRING::operator<=(char const* s) const { return std::strcmp(str, s) <= 0; }
-bool STRING::operator<=(STRING const& s) const { return std::strcmp(str, s.str) <= 0; }
-bool STRING::operator>=(char const* s) const { return std::strcmp(str, s) >= 0; }
-bool STRING::operator>=(STRING const& s) const { return std::strcmp(str, s.str) >= 0; }
 
 STRING& STRING::operator+=(STRING const& s) {
   const std::size_t length = std::strlen(str);

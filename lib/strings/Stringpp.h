@@ -78,10 +78,6 @@ public:
   bool operator<(STRING const& s) const;
   bool operator>(char const* s) const;
   bool operator>(STRING const& s) const;
-  bool operator<=(char const* s) const;
-  bool operator<=(STRING const& s) const;
-  bool operator>=(char const* s) const;
-  bool operator>=(STRING const& s) const;
 
   /// Appends s, which may be this text or a part of it. A null s or a NUL c appends nothing.
   STRING& operator+=(STRING const& s);

@@ -62,11 +62,12 @@ void ASCII_FILE::add_def() {
 
 void ASCII_FILE::validate_def(STRING const& key, STRING const& value) {
   ASCII_FILE& owner = outermost();
-  if (owner.def_keys.is_in(key)) report("Def key in", __LINE__);
+  const STRING added(key); // `key` may lie in the list of values
+  if (owner.def_keys.is_in(added)) report("Def key in", __LINE__);
   // An earlier definition may have found memory for its value but none for its key.
   owner.def_values.set_size(std::min(owner.def_keys.size, owner.def_values.size));
   owner.def_values.add(value);
-  owner.def_keys.add(key);
+  owner.def_keys.add(added);
 }
 
 STRING& ASCII_FILE::def_mask(STRING& word) {

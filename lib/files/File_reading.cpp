@@ -194,17 +194,19 @@ void ASCII_FILE::locate(STRING const& key) {
 void ASCII_FILE::locate(char const* key) { locate(STRING(key)); }
 
 void ASCII_FILE::locate_next(STRING const& key) {
+  const STRING sought(key); // a definition on the way may move the list that `key` lies in
   success = true;
-  while (!(getSTRING() == key) && success) continue;
+  while (!(getSTRING() == sought) && success) continue;
 }
 
 void ASCII_FILE::locate_next(char const* key) { locate_next(STRING(key)); }
 
 void ASCII_FILE::skip_until_word_start_with(STRING const& prefix) {
+  const STRING sought(prefix); // as above
   success = true;
   for (;;) {
     const STRING token = getSTRING();
-    if (token.start_with(prefix)) {
+    if (token.start_with(sought)) {
       back();
       return;
     }

@@ -5,6 +5,7 @@
 
 #include "lib/files/File.h"
 
+using std::cerr;
 using std::endl;
 
 namespace {
@@ -13,17 +14,17 @@ STRING with_position(STRING const& text, char const* source_file, int source_lin
   return text + " in file " + source_file + " at line: " + itoa(source_line);
 }
 
-/// Standard error, also for static objects that report before its own initialization.
-std::ostream& error_stream() {
-  static const std::ios_base::Init streams;
-  return std::cerr;
+void write_position(char const* source_file, int source_line) {
+  cerr << "At file " << source_file << ":" << itoa(source_line) << endl;
 }
 
-void write_position(char const* source_file, int source_line) {
-  error_stream() << "At file " << source_file << ":" << itoa(source_line) << endl;
-}
+// These are built in this order, before the static objects of programs, and destroyed after them.
+[[gnu::init_priority(102)]] const std::ios_base::Init standard_streams;
 
 } // namespace
+
+[[gnu::init_priority(102)]] STRING EMPTY;
+[[gnu::init_priority(102)]] constinit ERROR_MESSAGER default_messager;
 
 constinit ERROR_MESSAGER* ERROR_MESSAGER::active_error_messager = &default_messager;
 
@@ -34,19 +35,19 @@ ERROR_MESSAGER::~ERROR_MESSAGER() {
 void ERROR_MESSAGER::do_EXIT() { std::exit(1); }
 
 void ERROR_MESSAGER::err_message(STRING class_name, STRING text, char const* source_file, int source_line) {
-  error_stream() << endl << "Error in class " << class_name << " : " << text << endl;
+  cerr << endl << "Error in class " << class_name << " : " << text << endl;
   write_position(source_file, source_line);
   EXIT();
 }
 
 void ERROR_MESSAGER::err_message(STRING text, char const* source_file, int source_line) {
-  error_stream() << endl << "Error: " << text << endl;
+  cerr << endl << "Error: " << text << endl;
   write_position(source_file, source_line);
   EXIT();
 }
 
 void ERROR_MESSAGER::err_message(STRING text) {
-  error_stream() << endl << "Error: " << text << endl;
+  cerr << endl << "Error: " << text << endl;
   EXIT();
 }
 
@@ -54,24 +55,24 @@ void ERROR_MESSAGER::input_error(STRING text) {
   STRING file;
   int line = 0;
   ASCII_FILE::get_file_info(file, line);
-  error_stream() << endl << "Input error in file: " << file << " at line: " << itoa(line) << endl << text << endl;
+  cerr << endl << "Input error in file: " << file << " at line: " << itoa(line) << endl << text << endl;
   EXIT();
 }
 
 void ERROR_MESSAGER::not_implemented_error(STRING text, char const* source_file, int source_line) {
-  error_stream() << endl << "Not implemented error: " << text << endl;
+  cerr << endl << "Not implemented error: " << text << endl;
   write_position(source_file, source_line);
   EXIT();
 }
 
 void ERROR_MESSAGER::critical(STRING text) {
-  error_stream() << endl << "Error: " << text << endl;
+  cerr << endl << "Error: " << text << endl;
   std::exit(1);
 }
 
-void ERROR_MESSAGER::message(STRING text) { error_stream() << text << endl; }
+void ERROR_MESSAGER::message(STRING text) { cerr << text << endl; }
 
-void ERROR_MESSAGER::alert(STRING text) { error_stream() << text << endl; }
+void ERROR_MESSAGER::alert(STRING text) { cerr << text << endl; }
 
 void ERROR_MESSAGER::reassign_error_messager(ERROR_MESSAGER* messager) { active_error_messager = messager; }
 

@@ -2,8 +2,9 @@
 
 #include "lib/strings/Stringpp.h"
 
-/// An empty text to begin a message with: `EMPTY + "no such unit: " + name`.
-inline STRING EMPTY;
+/// An empty text to begin a message with: `EMPTY + "no such unit: " + name`. Like `default_messager`, it is there
+/// before the static objects of programs and after them, so that these may report.
+extern STRING EMPTY;
 
 /// Where every report of the library goes. This class writes a report to standard error and, unless it is a plain
 /// message or an alert, ends the process with status 1. A program that wants reports handled otherwise derives a class,
@@ -63,7 +64,7 @@ public:
 };
 
 /// The messager that is active until another one is installed.
-inline ERROR_MESSAGER default_messager;
+extern ERROR_MESSAGER default_messager;
 
 /// For readers of input: report, as input errors, a name they do not know and a value they cannot read.
 void UNKNOWN_COEF(STRING name);

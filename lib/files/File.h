@@ -2,7 +2,7 @@
 
 #include <fstream>
 
-#include "lib/diagnostics/Error_messager.h" // EMPTY, ahead of static objects that read files
+#include "lib/diagnostics/Error_messager.h" // for those who read, since readers report there
 #include "lib/strings/Containers.h"
 #include "lib/strings/Stringpp.h"
 

@@ -49,7 +49,6 @@ void ASCII_FILE::get_file_info(STRING& file, int& line) {
 
 void ERR_FILE() {
   if (!ASCII_FILE::if_current_file()) return;
-  const std::ios_base::Init streams; // static objects may call this before standard error is there
   STRING file;
   int line = 0;
   ASCII_FILE::get_file_info(file, line);

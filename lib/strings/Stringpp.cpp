@@ -13,6 +13,8 @@
 constinit char* pBufs[1001] = {};
 constinit int Nb_string = -1;
 
+[[gnu::init_priority(101)]] STRING STRING::EMPTY; // built before the static objects of programs, destroyed after them
+
 namespace {
 
 constexpr int top_slot = static_cast<int>(std::size(pBufs)) - 1;

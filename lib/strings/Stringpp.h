@@ -44,7 +44,7 @@ public:
   /// The read-only view of this object's own `success`.
   const bool& ok = success;
 
-  /// An empty text, built during static initialisation.
+  /// An empty text, there before the static objects of programs and after them.
   static STRING EMPTY;
 
   /// The empty text.
@@ -153,8 +153,6 @@ public:
   int getint();
   double getdouble();
 };
-
-inline STRING STRING::EMPTY;
 
 template <>
 struct std::hash<STRING> {

@@ -25,33 +25,51 @@ struct GARDEN {
   LIST<PLANT> plants;
 };
 
+/// Keeps the place in a file that was read to its end. A report would lose it, and start the file anew.
+void stay_at_end() {
+  ASCII_FILE* const file = ASCII_FILE::current_file;
+  if (file == nullptr || !file->fail()) return;
+  file->clear();
+  file->seekg(0, std::ios::end);
+}
+
+/// Ends the program at the first mistake in the input.
+class FIRST_MISTAKE : public ERROR_MESSAGER {
+public:
+  void input_error(STRING text) override {
+    stay_at_end();
+    ERROR_MESSAGER::input_error(text);
+  }
+};
+
 /// Keeps the mistakes in the input instead of ending the program at the first one.
 class MISTAKES : public ERROR_MESSAGER {
 public:
   LIST<STRING> found;
 
   void input_error(STRING text) override {
+    if (char* const source_position = text.locate(" in file ")) *source_position = '\0'; // for programmers only
+    keep(text);
+  }
+
+  /// What the library's readers report, as of broken definitions.
+  void err_message(STRING text, char const*, int) override { keep(text); }
+  using ERROR_MESSAGER::err_message;
+
+private:
+  void keep(STRING const& text) {
     STRING file;
     int line = 0;
+    stay_at_end();
     ASCII_FILE::get_file_info(file, line);
-    if (char* const source_position = text.locate(" in file ")) *source_position = '\0'; // for programmers only
     found.add(file + ":" + itoa(line) + ": " + text);
   }
 };
 
-/// Moves back behind a reader that has met the end of the file. Another one, or a report, would lose the position
-/// there, and with it the place where reading goes on.
-void leave_end(ASCII_FILE& file) {
-  if (file.fail()) file.back();
-}
-
 /// Reports the word that stands where something else should, or that there is none on this line.
 void report_word(ASCII_FILE& file) {
-  leave_end(file);
-  STRING word = file.getSTRING_sl();
-  if (!file.ok) word = "";
-  leave_end(file);
-  KBAD(word);
+  const STRING word = file.getSTRING_sl();
+  KBAD(file.ok ? word : "");
 }
 
 int read_int(ASCII_FILE& file) {
@@ -73,9 +91,20 @@ STRING read_name(ASCII_FILE& file) {
   return "";
 }
 
+/// A file that includes itself would do so until no more files can be opened.
+bool deep_enough(ASCII_FILE const& file) {
+  constexpr int most_levels = 20;
+  int levels = 0;
+  for (ASCII_FILE const* outer = file.parent_file; outer != nullptr; outer = outer->parent_file) ++levels;
+  return levels >= most_levels;
+}
+
 void include(ASCII_FILE& file) {
+  if (deep_enough(file)) {
+    ERROR_MESSAGER::STATIC_INPUT_ERROR("Included too deep: " + file.getSTRING(), __FILE__, __LINE__);
+    return;
+  }
   file.include_file();
-  leave_end(file); // where the name was missing
   ASCII_FILE const& included = *file.included_file;
   if (included.fail()) ERROR_MESSAGER::STATIC_INPUT_ERROR("Cannot open: " + included.name, __FILE__, __LINE__);
 }
@@ -119,21 +148,23 @@ void print(GARDEN const& garden) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-  MISTAKES mistakes;
   const bool check = argc == 3 && STRING(argv[1]) == "--check";
-  if (check) ERROR_MESSAGER::reassign_error_messager(&mistakes);
   if (argc != 2 && !check) {
     std::cerr << "usage: read_input [--check] FILE\n";
     return 2;
   }
-
   ASCII_FILE input(argv[argc - 1], 0);
   if (!input.ok) ERROR_MESSAGER::static_err_message(EMPTY + "cannot open " + input.name, __FILE__, __LINE__);
+
+  FIRST_MISTAKE first;
+  MISTAKES mistakes;
+  ERROR_MESSAGER::reassign_error_messager(&first);
+  if (check) ERROR_MESSAGER::reassign_error_messager(&mistakes);
   GARDEN garden;
   read(input, garden);
   print(garden);
+  ERROR_MESSAGER::reassign_error_messager(&default_messager);
 
   for (STRING const& mistake : mistakes.found) std::cerr << mistake << '\n';
-  ERROR_MESSAGER::reassign_error_messager(&default_messager);
   return mistakes.found.size == 0 ? 0 : 1;
 }

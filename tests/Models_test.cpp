@@ -21,8 +21,7 @@ void PrintTo(MODEL const& model, std::ostream* out) { *out << model.name; }
 
 constexpr MODEL models[] = {{"strings", strings_model, 400, true},
                             {"containers", containers_model, 200, true},
-                            {"reader", reader_model, 200, false},
-                            {"index", index_model, 250, false}};
+                            {"reader", reader_model, 200, false}};
 
 /// A program of that many bytes, most of which stand for telling pieces where a text is meant.
 std::string any_program(unsigned seed, std::size_t length) {

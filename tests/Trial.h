@@ -111,4 +111,3 @@ private:
 void strings_model(TRIAL& trial);
 void containers_model(TRIAL& trial);
 void reader_model(TRIAL& trial);
-void index_model(TRIAL& trial);

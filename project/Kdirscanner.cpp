@@ -7,9 +7,9 @@
 #include <fstream>
 #include <memory>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -30,19 +30,18 @@ private:
   bool entered;
 };
 
-using SUFFIXES = std::span<const std::string_view>;
+using SUFFIXES = std::vector<std::string_view>;
 
 /// The suffixes to look for, in this order.
 SUFFIXES suffixes_of(bool headers, bool fortran) {
-  static constexpr std::string_view c_sources[] = {".c", ".k"};
-  static constexpr std::string_view headers_and_fortran[] = {".h", ".f", ".F"};
-  const SUFFIXES both(headers_and_fortran);
-  if (headers) return fortran ? both : both.first(1);
-  return fortran ? both.last(2) : SUFFIXES(c_sources);
+  if (headers && fortran) return {".h", ".f", ".F"};
+  if (headers) return {".h"};
+  if (fortran) return {".f", ".F"};
+  return {".c", ".k"};
 }
 
 /// Whether the first of the suffixes that occurs in the name at all occurs first at its end.
-bool matches(std::string_view name, SUFFIXES suffixes) {
+bool matches(std::string_view name, SUFFIXES const& suffixes) {
   for (const std::string_view suffix : suffixes) {
     const std::size_t found = name.find(suffix);
     if (found != std::string_view::npos) return found + suffix.size() == name.size();
@@ -51,7 +50,7 @@ bool matches(std::string_view name, SUFFIXES suffixes) {
 }
 
 /// The name that a line includes with angle brackets, at most 1023 characters of it; none without "#include" or without
-/// a '>' behind it. Blanks do not count, and a '>' ahead of any '<' ends an empty name.
+/// a '>' after it. Blanks do not count, and a '>' before any '<' ends an empty name.
 std::optional<std::string> included_by(std::string_view line) {
   constexpr std::string_view directive = "#include";
   constexpr std::size_t longest = 1023;

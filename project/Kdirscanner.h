@@ -5,7 +5,7 @@
 #include "lib/strings/Containers.h"
 #include "lib/strings/Stringpp.h"
 
-/// The part of the path behind its last '/', as a pointer into it; all of it without a '/'.
+/// Returns the part of the path after its last '/', as a pointer into it; all of it without a '/'.
 char* basename(char* path) noexcept; // NOLINT(readability-redundant-declaration)
 
 /// Lists the source or header files of one directory and, for each, the names it includes with angle brackets. A

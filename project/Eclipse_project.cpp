@@ -40,9 +40,13 @@ void write_names(std::ostream& out, std::span<NODE*> nodes) {
 void ECLIPSE_PROJECT::splash() { create_project_file(); }
 
 void ECLIPSE_PROJECT::create_project_file() {
+  std::ofstream out(file_name.str);
+  write(out);
+}
+
+void ECLIPSE_PROJECT::write(std::ostream& out) {
   const auto all_dirs = elements(dirs);
   const auto all_files = elements(files);
-  std::ofstream out(file_name.str);
   write_names(out, all_dirs);
 
   const auto is_empty = [](SOURCE_DIR const* dir) { return dir->files.size <= 0; };

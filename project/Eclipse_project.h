@@ -1,5 +1,7 @@
 #pragma once
 
+#include <iosfwd>
+
 #include "lib/strings/Containers.h"
 #include "lib/strings/Stringpp.h"
 
@@ -46,4 +48,7 @@ public:
   /// written is not reported. A source file whose directory is not in the project ends the process with a message and
   /// status 1.
   void create_project_file();
+
+  /// As `create_project_file`, but writes the text to `out`.
+  void write(std::ostream& out);
 };

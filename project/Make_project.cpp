@@ -183,8 +183,8 @@ void write_text(std::ostream& out, std::string_view text, FILL_IN fill_in) {
 
 class MAKE_FILE_WRITER {
 public:
-  MAKE_FILE_WRITER(MAKE_PROJECT const& project, std::ostream& file)
-      : out(file), install_public(project.install_public), libraries(elements(project.libs)),
+  MAKE_FILE_WRITER(MAKE_PROJECT const& project, std::ostream& file, std::ostream& progress_lines)
+      : out(file), progress(progress_lines), install_public(project.install_public), libraries(elements(project.libs)),
         executables(elements(project.targets)) {
     for (MAKE_LIB const* library : libraries) library_names.insert(library->name.str);
   }
@@ -193,11 +193,11 @@ public:
     write_text(out, preamble, [](std::string_view) {});
     int index = 0;
     for (MAKE_LIB const* library : libraries) {
-      std::cout << "Lib " << library->name << std::endl;
+      progress << "Lib " << library->name << std::endl;
       write_block(index++, library->name, library->dirs, true);
     }
     for (MAKE_TARGET const* executable : executables) {
-      std::cout << "Target " << executable->name << std::endl;
+      progress << "Target " << executable->name << std::endl;
       write_block(index++, executable->name, executable->dirs, false);
     }
     write_trailer();
@@ -205,6 +205,7 @@ public:
 
 private:
   std::ostream& out;
+  std::ostream& progress;
   const bool install_public;
   const std::span<MAKE_LIB*> libraries;
   const std::span<MAKE_TARGET*> executables;
@@ -312,5 +313,9 @@ void MAKE_PROJECT::splash() { create_project_file(); }
 void MAKE_PROJECT::create_project_file() {
   if (file_name == "") file_name = "kmakefile";
   std::ofstream out(file_name.str);
-  MAKE_FILE_WRITER(*this, out).write();
+  write(out, std::cout);
+}
+
+void MAKE_PROJECT::write(std::ostream& out, std::ostream& progress) const {
+  MAKE_FILE_WRITER(*this, out, progress).write();
 }

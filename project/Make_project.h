@@ -1,5 +1,7 @@
 #pragma once
 
+#include <iosfwd>
+
 #include "lib/strings/Containers.h"
 #include "lib/strings/Stringpp.h"
 
@@ -38,4 +40,7 @@ public:
   /// Writes the make file anew and a progress line for each library and executable to standard output. A file that
   /// cannot be written is not reported.
   void create_project_file();
+
+  /// Writes the text of the make file to `out` and the progress lines to `progress`.
+  void write(std::ostream& out, std::ostream& progress) const;
 };

@@ -13,16 +13,19 @@ namespace {
 
 void tell(std::string const& text) { std::cerr << "project_files: " << text << '\n'; }
 
-/// Fails unless the path can be read, which a scan does not tell.
-void check_access(fs::path const& path, int mode) {
-  if (access(path.c_str(), mode) != 0)
-    throw std::system_error(errno, std::generic_category(), "cannot read " + path.string());
+[[noreturn]] void fail_to_read(fs::path const& path) {
+  throw std::system_error(errno, std::generic_category(), "cannot read " + path.string());
+}
+
+/// Fails unless the directory can be listed and entered, which a scan does not tell.
+void check_directory(fs::path const& path) {
+  if (access((path / "").c_str(), R_OK | X_OK) != 0) fail_to_read(path);
 }
 
 std::set<std::string> k_directories(fs::path const& root) {
   char here[2048]; // a scan that could not come back from there would find nothing
   if (getcwd(here, sizeof here) == nullptr) throw std::runtime_error("the name of the working directory is too long");
-  check_access(root / "", R_OK | X_OK);
+  check_directory(root);
   std::set<std::string> names;
   for (fs::directory_entry const& entry : fs::directory_iterator(root)) {
     std::error_code unknown;
@@ -40,7 +43,7 @@ KIND kind_of(std::string const& file) {
 
 /// Hidden files are left out, as make does.
 TREE_DIRECTORY scan_directory(fs::path const& path) {
-  check_access(path, R_OK | X_OK);
+  check_directory(path);
   STRING path_text = path.c_str();
   TREE_DIRECTORY directory;
   KDIR_SCANNER scanner;
@@ -52,7 +55,7 @@ TREE_DIRECTORY scan_directory(fs::path const& path) {
       const std::string name = scanner.found_files[i].str;
       std::error_code unknown;
       if (name.starts_with('.') || fs::is_directory(path / name, unknown)) continue;
-      check_access(path / name, R_OK);
+      if (access((path / name).c_str(), R_OK) != 0) fail_to_read(path / name);
       auto& includes = directory.files[name];
       directory.kind = std::max(directory.kind, kind_of(name));
       for (STRING const& included : *scanner.includes[i]) {

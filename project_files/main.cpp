@@ -1,11 +1,11 @@
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
 #include <fstream>
 #include <iostream>
+#include <sstream>
 
 #include "project/Eclipse_project.h"
 #include "project/Make_project.h"
@@ -29,22 +29,7 @@ nor are files with the ".c" of a suffix in their names twice, such as g.code.c;
 of <sys/types.h> only types.h counts, also when the tree has one of its own.
 )";
 
-/// What a project writes, taken from a file in memory, since a project does not tell whether it could write.
-template <class PROJECT>
-std::string text_of(PROJECT& project) {
-  const int memory = memfd_create("project_files", MFD_CLOEXEC);
-  const std::string path = "/proc/self/fd/" + std::to_string(memory);
-  project.file_name = path.c_str();
-  project.splash();
-  std::ifstream file(path);
-  std::string text((std::istreambuf_iterator<char>(file)), {});
-  if (text.empty() || pwrite(memory, "", 1, static_cast<off_t>(text.size())) != 1) // one more byte has room if all had
-    throw std::system_error(errno, std::generic_category(), "cannot write to memory");
-  close(memory);
-  return text;
-}
-
-std::string make_file_of(TREE const& tree, bool install_public) {
+void write_make_file(TREE const& tree, bool install_public, std::ostream& out, std::ostream& progress) {
   std::map<std::string, MAKE_LIB> libraries;
   std::map<std::string, MAKE_TARGET> executables;
   BUFF_LIST<MAKE_LIB*> library_list;
@@ -66,10 +51,10 @@ std::string make_file_of(TREE const& tree, bool install_public) {
   project.install_public = install_public;
   project.libs = &library_list;
   project.targets = &executable_list;
-  return text_of(project);
+  project.write(out, progress);
 }
 
-std::string eclipse_file_of(TREE const& tree) {
+void write_eclipse_file(TREE const& tree, std::ostream& out) {
   std::map<std::string, SOURCE_DIR> directories;
   std::map<std::string, std::map<std::string, SOURCE_FILE>> files; // by their directories' names, then their own
   BUFF_LIST<SOURCE_DIR*> directory_list;
@@ -93,39 +78,53 @@ std::string eclipse_file_of(TREE const& tree) {
   ECLIPSE_PROJECT project;
   project.dirs = &directory_list;
   project.files = &file_list;
-  return text_of(project);
+  project.write(out);
 }
 
-/// A new version of a file. A link stays one: what it leads to is replaced. Mode and owner stay, too.
-struct NEW_VERSION {
-  const std::string failure;
-  fs::path target, temporary;
+/// A new version of a file, written beside it. A link stays one: what it leads to is replaced. Mode and owner stay,
+/// too.
+class NEW_VERSION {
+public:
+  std::ofstream text;
 
   explicit NEW_VERSION(fs::path const& path) : failure("cannot write " + path.string()) {
-    if (fs::exists(path) && !fs::is_regular_file(path)) throw std::runtime_error(failure + ": not a regular file");
     check(access(path.c_str(), W_OK) == 0 || (errno == ENOENT && !fs::is_symlink(path)));
+    struct stat old = {};
+    const bool is_there = stat(path.c_str(), &old) == 0;
+    if (is_there && !S_ISREG(old.st_mode)) throw std::runtime_error(failure + ": not a regular file");
     target = fs::weakly_canonical(path);
-    temporary = target.parent_path() / ("." + target.filename().string() + '.' + std::to_string(getpid()));
+    temporary = target.parent_path() / ("." + target.filename().string() + ".new");
+    unlink(temporary.c_str()); // left by a run that was killed
+    text.open(temporary);
+    check(text.is_open());
+    if (is_there && chown(temporary.c_str(), old.st_uid, old.st_gid) == 0) chmod(temporary.c_str(), old.st_mode);
   }
+  NEW_VERSION(NEW_VERSION const&) = delete;
+  NEW_VERSION& operator=(NEW_VERSION const&) = delete;
   ~NEW_VERSION() { unlink(temporary.c_str()); }
+
+  /// Fails unless all of the text was written.
+  void close() {
+    text.close();
+    check(text.good());
+  }
+
+  /// Replaces the file.
+  void commit() const { check(std::rename(temporary.c_str(), target.c_str()) == 0); }
+
+private:
+  const std::string failure;
+  fs::path target, temporary;
 
   void check(bool done) const {
     if (!done) throw std::system_error(errno, std::generic_category(), failure);
   }
-
-  /// Writes the text to the disk, beside the file.
-  void write(std::string const& text) const {
-    const int file = open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC, 0666);
-    check(file >= 0);
-    struct stat old;
-    if (stat(target.c_str(), &old) == 0 && fchown(file, old.st_uid, old.st_gid) == 0) fchmod(file, old.st_mode);
-    errno = ENOSPC; // what a write that stops early means
-    check(::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size()) && fsync(file) == 0);
-    check(close(file) == 0);
-  }
-
-  void commit() const { check(std::rename(temporary.c_str(), target.c_str()) == 0); }
 };
+
+int cannot_take(std::string const& argument) {
+  std::cerr << "project_files: cannot take " << argument << "\n\n" << usage;
+  return 2;
+}
 
 } // namespace
 
@@ -138,19 +137,20 @@ int main(int argc, char* argv[]) {
     return 0;
   }
   const bool install_public = std::erase(arguments, "--public") > 0;
-  const std::size_t wrong = !arguments.empty() && arguments[0].starts_with('-') ? 0 : 1;
-  if (wrong < arguments.size()) {
-    std::cerr << "project_files: cannot take " << arguments[wrong] << "\n\n" << usage;
-    return 2;
-  }
+  const fs::path root = arguments.empty() ? "." : arguments[0];
+  if (root.string().starts_with('-')) return cannot_take(root);
+  if (arguments.size() > 1) return cannot_take(arguments[1]);
   try {
-    const fs::path root = arguments.empty() ? "." : arguments[0];
     const TREE tree = scan_tree(root);
-    const NEW_VERSION make_file(root / "kmakefile"), eclipse_file(root / "keclipse");
-    make_file.write(make_file_of(tree, install_public));
-    eclipse_file.write(eclipse_file_of(tree));
+    NEW_VERSION make_file(root / "kmakefile"), eclipse_file(root / "keclipse");
+    std::ostringstream progress;
+    write_make_file(tree, install_public, make_file.text, progress);
+    write_eclipse_file(tree, eclipse_file.text);
+    make_file.close();
+    eclipse_file.close();
     make_file.commit();
     eclipse_file.commit();
+    std::cout << progress.str();
     return 0;
   } catch (std::exception const& error) {
     std::cerr << "project_files: " << error.what() << '\n';

@@ -3,9 +3,11 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <climits>
 #include <iostream>
 
 #include "project/Kdirscanner.h"
+#include "project_files/Checks.h"
 
 namespace fs = std::filesystem;
 
@@ -23,8 +25,14 @@ void check_directory(fs::path const& path) {
 }
 
 std::set<std::string> k_directories(fs::path const& root) {
+  if (root.empty()) throw std::runtime_error("the name of the tree is empty");
   char here[2048]; // a scan that could not come back from there would find nothing
-  if (getcwd(here, sizeof here) == nullptr) throw std::runtime_error("the name of the working directory is too long");
+  if (getcwd(here, sizeof here) == nullptr) {
+    const char* const what = errno == ENOENT   ? "was deleted"
+                             : errno == ERANGE ? "has too long a name"
+                                               : "cannot be read";
+    throw std::runtime_error(std::string("the working directory ") + what);
+  }
   check_directory(root);
   std::set<std::string> names;
   for (fs::directory_entry const& entry : fs::directory_iterator(root)) {
@@ -66,81 +74,114 @@ TREE_DIRECTORY scan_directory(fs::path const& path) {
   return directory;
 }
 
-std::string path_of(std::string const& directory, std::string const& file) { return directory + '/' + file; }
-
-/// Finds the owner of each file name. Fails if make would take a name apart or give two sources one object.
-void find_owners(TREE& tree) {
-  std::string reasons;
-  const auto refuse = [&](std::string const& why) { reasons += (reasons.empty() ? "" : "\nproject_files: ") + why; };
-  const auto check = [&](std::string const& name, std::string const& path) {
-    const auto found = name.find_first_of(" \t\n\r\v\f$#:%\\'\"`*?[;&()|<>=,");
-    if (found != std::string::npos) refuse(path + ": make takes a name with '" + name[found] + "' in it apart");
-  };
-  for (auto const& [name, directory] : tree.directories) {
-    check(name, name);
-    for (auto const& [file, includes] : directory.files) {
-      check(file, path_of(name, file));
-      const auto [owner, is_new] = tree.owners.emplace(file, name);
-      const std::string both = path_of(owner->second, file) + " and " + path_of(name, file);
-      if (!is_new && file.ends_with(".c")) refuse(both + " would share one object");
-      if (!is_new && file.ends_with(".h")) tell("of " + both + " the first counts");
-    }
+void tell_main_files(std::string const& name, TREE_DIRECTORY const& directory) {
+  std::string paths;
+  for (auto const& [file, includes] : directory.files) {
+    if (kind_of(file) == KIND::EXECUTABLE) paths += (paths.empty() ? "" : " and ") + path_of(name, file);
   }
-  if (!reasons.empty()) throw std::runtime_error(reasons);
+  if (paths.find(' ') != std::string::npos) tell(paths + " go into one program");
+}
+
+void find_owners(TREE& tree) {
+  for (auto const& [name, directory] : tree.directories) {
+    for (auto const& [file, includes] : directory.files) tree.owners.emplace(file, name);
+  }
 }
 
 void find_uses(TREE& tree) {
-  std::set<std::string> used;
   for (auto& [name, directory] : tree.directories) {
     for (auto const& [file, includes] : directory.files) {
       for (std::string const& header : includes) {
         const auto owner = tree.owners.find(header);
         if (owner == tree.owners.end() || owner->second == name) continue;
         directory.uses.insert(owner->second);
-        used.insert(owner->second);
         if (tree.directories[owner->second].kind != KIND::EXECUTABLE) continue;
-        const std::string copied = path_of(owner->second, header);
-        tell(path_of(name, file) + " includes " + copied + " of an executable: nothing copies it");
+        tell(path_of(name, file) + " includes " + path_of(owner->second, header) +
+             " of an executable: nothing links that");
       }
     }
   }
+}
+
+void tell_unused_headers(TREE const& tree) {
+  std::set<std::string> used;
+  for (auto const& [name, directory] : tree.directories) used.insert(directory.uses.begin(), directory.uses.end());
   for (auto const& [name, directory] : tree.directories) {
     if (directory.kind != KIND::HEADERS || used.contains(name)) continue;
     tell(name + " has no C files, and nothing uses its headers: left out of the make file");
   }
 }
 
-/// Adds the directory to the order, behind those it uses; `path` leads to it. Directories in a circle are told.
-void find_order(TREE& tree, std::string const& name, std::vector<std::string>& path) {
-  if (std::find(tree.order.begin(), tree.order.end(), name) != tree.order.end()) return;
-  auto start = std::find(path.begin(), path.end(), name);
-  if (start != path.end()) {
-    std::string circle;
-    for (; start != path.end(); ++start) circle += ' ' + *start;
-    return tell("these directories need each other:" + circle);
+/// Finds the order, and tells of each circle of directories, by going through what each uses, depth first.
+class ORDER {
+public:
+  explicit ORDER(TREE& found) : tree(found) {}
+
+  void find() {
+    for (auto const& [name, directory] : tree.directories) {
+      if (!numbers.contains(name)) visit(name);
+    }
   }
-  path.push_back(name);
-  for (std::string const& used : tree.directories[name].uses) find_order(tree, used, path);
-  path.pop_back();
-  tree.order.push_back(name);
-}
+
+private:
+  static constexpr int in_no_open_circle = INT_MAX;
+
+  TREE& tree;
+  std::map<std::string, int> numbers; // in the order of the first visits
+  std::vector<std::string> open;      // visited, but their circles may still grow
+
+  /// Returns the lowest number that a way from there leads back to.
+  int visit(std::string const& name) {
+    const int number = static_cast<int>(numbers.size());
+    int lowest = numbers[name] = number;
+    open.push_back(name);
+    for (std::string const& used : tree.directories.at(name).uses) {
+      const auto visited = numbers.find(used);
+      lowest = std::min(lowest, visited == numbers.end() ? visit(used) : visited->second);
+    }
+    tree.order.push_back(name);
+    if (lowest < number) return lowest;
+    close_circle(name);
+    return in_no_open_circle;
+  }
+
+  void close_circle(std::string const& first) {
+    const auto start = std::find(open.begin(), open.end(), first);
+    std::sort(start, open.end());
+    std::string names;
+    for (auto name = start; name != open.end(); ++name) {
+      numbers[*name] = in_no_open_circle;
+      names += ' ' + *name;
+    }
+    if (open.end() - start > 1) tell("these directories need each other:" + names);
+    open.erase(start, open.end());
+  }
+};
 
 } // namespace
 
 TREE scan_tree(fs::path const& root) {
   TREE tree;
+  std::set<std::string> scanned;
   for (std::string const& name : k_directories(root)) {
     TREE_DIRECTORY directory = scan_directory(root / name);
     if (directory.files.empty()) {
       tell(name + " has neither C files nor headers: left out");
-    } else {
-      tree.directories[name] = std::move(directory);
+      continue;
     }
+    tell_main_files(name, directory);
+    tree.directories[name] = std::move(directory);
+    scanned.insert(name);
   }
+  std::string refusal;
+  for (std::string const& reason : reasons_to_refuse(root, scanned)) {
+    refusal += (refusal.empty() ? "" : "\nproject_files: ") + reason;
+  }
+  if (!refusal.empty()) throw std::runtime_error(refusal);
   find_owners(tree);
   find_uses(tree);
-  std::vector<std::string> path;
-  for (auto const& [name, directory] : tree.directories) find_order(tree, name, path);
+  tell_unused_headers(tree);
+  ORDER(tree).find();
   return tree;
 }
 

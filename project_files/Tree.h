@@ -19,8 +19,8 @@ struct TREE_DIRECTORY {
 /// The k* directories of a source tree, without those that have neither sources nor headers.
 struct TREE {
   std::map<std::string, TREE_DIRECTORY> directories;
-  std::vector<std::string> order;            // their names, each behind those it uses
-  std::map<std::string, std::string> owners; // the first directory with a file of a name, whose header make copies
+  std::vector<std::string> order;            // their names, each after those it uses
+  std::map<std::string, std::string> owners; // the first directory with a file of a name
 };
 
 /// Scans the tree and tells what its user should know. Throws std::runtime_error if it cannot be read, or, with a line

@@ -93,6 +93,7 @@ public:
     const bool is_there = stat(path.c_str(), &old) == 0;
     if (is_there && !S_ISREG(old.st_mode)) throw std::runtime_error(failure + ": not a regular file");
     target = fs::weakly_canonical(path);
+    check(!is_there || may_replace(old));
     temporary = target.parent_path() / ("." + target.filename().string() + ".new");
     unlink(temporary.c_str()); // left by a run that was killed
     text.open(temporary);
@@ -116,6 +117,15 @@ private:
   const std::string failure;
   fs::path target, temporary;
 
+  /// In a sticky directory, the owner of the file or of the directory may.
+  bool may_replace(struct stat const& file) const {
+    struct stat directory = {};
+    if (stat(target.parent_path().c_str(), &directory) != 0 || (directory.st_mode & S_ISVTX) == 0) return true;
+    errno = EPERM;
+    const uid_t user = geteuid();
+    return user == 0 || user == file.st_uid || user == directory.st_uid;
+  }
+
   void check(bool done) const {
     if (!done) throw std::system_error(errno, std::generic_category(), failure);
   }
@@ -131,6 +141,7 @@ int cannot_take(std::string const& argument) {
 int main(int argc, char* argv[]) {
   for (int file = 0; file >= 0 && file <= 2;) file = open("/dev/null", O_RDWR); // no file becomes a standard stream
   std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN); // what it prints, nobody need read
   std::vector<std::string> arguments(argv + 1, argv + argc);
   if (std::erase(arguments, "--help") > 0) {
     std::cout << usage;

@@ -1,0 +1,206 @@
+#include "project_files/Checks.h"
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+#include <optional>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct INCLUDE {
+  std::string name;
+  bool is_quoted;
+};
+
+/// What the compiler takes the line to include. A name that a macro stands for is not seen.
+std::optional<INCLUDE> included_by(std::string_view line) {
+  for (const std::string_view part : {"", "#", "include"}) {
+    if (!line.starts_with(part)) return {};
+    line.remove_prefix(part.size());
+    line.remove_prefix(std::min(line.find_first_not_of(" \t\v\f"), line.size()));
+  }
+  const bool is_quoted = line.starts_with('"');
+  if (!is_quoted && !line.starts_with('<')) return {};
+  const std::size_t end = line.find(is_quoted ? '"' : '>', 1);
+  if (end == std::string_view::npos) return {};
+  return INCLUDE{fs::path(line.substr(1, end - 1)).lexically_normal(), is_quoted};
+}
+
+/// The tree as make and the compiler see it, which is more than the scanner does.
+class TREE_CHECK {
+public:
+  std::vector<std::string> reasons;
+
+  TREE_CHECK(fs::path const& tree, std::set<std::string> const& directories) : root(tree) {
+    for (std::string const& directory : directories) {
+      check_name(directory, directory);
+      for (std::string const& name : names_in(root / directory)) {
+        if (name.ends_with(".c") || name.ends_with(".k") || name.ends_with(".h")) places[name].insert(directory);
+      }
+    }
+  }
+
+  void check_names() {
+    for (auto const& [name, directories] : places) {
+      for (std::string const& directory : directories) check_name(name, path_of(directory, name));
+    }
+  }
+
+  /// One directory has the objects of all.
+  void check_objects() {
+    for (auto const& [name, directories] : places) {
+      if (name.ends_with(".h")) continue;
+      const std::string first = path_of(*directories.begin(), name);
+      for (auto other = std::next(directories.begin()); other != directories.end(); ++other) {
+        reasons.push_back(first + " and " + path_of(*other, name) + " would share one object");
+      }
+    }
+    for (std::string const& name : names_in(root)) {
+      if (!name.ends_with(".c")) continue;
+      for (std::string const& source : {name, name.substr(0, name.size() - 1) + 'k'}) {
+        const auto place = places.find(source);
+        if (place == places.end()) continue;
+        reasons.push_back(name + " would be compiled in place of " + path_of(*place->second.begin(), source));
+      }
+    }
+  }
+
+  /// Of headers of one name, one alone is copied for other directories and for headers that are read as copies
+  /// themselves. So each may be included only where its own directory comes first.
+  void check_headers() {
+    std::map<std::string, std::string> ambiguous; // names, with the paths that have them
+    for (auto const& [name, directories] : places) {
+      if (!name.ends_with(".h") || directories.size() == 1) continue;
+      for (std::string const& directory : directories) {
+        ambiguous[name] += (directory == *directories.begin() ? "" : " or ") + path_of(directory, name);
+      }
+    }
+    if (ambiguous.empty()) return;
+    const auto copies = read_as_copies();
+    for (auto const& [name, paths] : ambiguous) {
+      const auto copy = copies.find(name);
+      if (copy != copies.end()) reasons.push_back(copy->second + " includes " + name + ", which may be " + paths);
+    }
+  }
+
+  /// In the names that a C file depends on, make looks for the name of its object.
+  void check_dependencies() {
+    std::set<std::string> suspicious;
+    for (auto const& [name, directories] : places) {
+      for (std::string const& directory : directories) {
+        const std::string path = path_of(directory, name);
+        if (path.find(".o") != std::string::npos) suspicious.insert(path);
+      }
+    }
+    for (auto const& [name, directories] : places) {
+      if (!name.ends_with(".c")) continue;
+      const std::string object = name.substr(0, name.size() - 1) + 'o';
+      const auto is_edited = [&](std::string const& path) { return path.find(object) != std::string::npos; };
+      if (std::none_of(suspicious.begin(), suspicious.end(), is_edited)) continue;
+      for (std::string const& path : needed_by(name)) {
+        if (!is_edited(path)) continue;
+        const std::string source = path_of(*directories.begin(), name);
+        reasons.push_back(path + ": make takes " + object + " in that name for the object of " + source);
+      }
+    }
+  }
+
+private:
+  using NAMES = std::set<std::string>;
+
+  const fs::path root;
+  std::map<std::string, NAMES> places; // the directories that have a file of a name
+  std::map<std::string, std::vector<INCLUDE>> includes;
+
+  /// Hidden files are left out, as make does.
+  static NAMES names_in(fs::path const& directory) {
+    NAMES names;
+    for (fs::directory_entry const& entry : fs::directory_iterator(directory)) {
+      std::error_code unknown;
+      const std::string name = entry.path().filename().string();
+      if (!name.starts_with('.') && !entry.is_directory(unknown)) names.insert(name);
+    }
+    return names;
+  }
+
+  void check_name(std::string const& name, std::string const& path) {
+    auto found = name.find_first_of(" \t\n\r\v\f$#:%\\'\"`*?[;&()|<>=,");
+    if (name.starts_with('^')) found = 0;
+    if (found != std::string::npos)
+      reasons.push_back(path + ": make takes a name with '" + name[found] + "' in it apart");
+  }
+
+  std::vector<INCLUDE> const& includes_of(std::string const& path) {
+    const auto [entry, is_new] = includes.try_emplace(path);
+    std::error_code unknown;
+    if (!is_new || !fs::is_regular_file(root / path, unknown)) return entry->second; // a pipe would wait for its writer
+    std::ifstream file(root / path);
+    for (std::string line; std::getline(file, line);) {
+      if (const auto include = included_by(line)) entry->second.push_back(*include);
+    }
+    return entry->second;
+  }
+
+  /// The names that are read from the directory of copies, each with a file that includes it.
+  std::map<std::string, std::string> read_as_copies() {
+    std::map<std::string, std::string> copies;
+    std::vector<std::string> open;
+    const auto add = [&](std::string const& name, std::string const& user) {
+      if (places.contains(name) && copies.emplace(name, user).second) open.push_back(name);
+    };
+    for (auto const& [name, directories] : places) {
+      for (std::string const& directory : directories) {
+        for (auto const& [included, is_quoted] : includes_of(path_of(directory, name))) {
+          if (!is_quoted || !is_in(included, directory)) add(included, path_of(directory, name));
+        }
+      }
+    }
+    while (!open.empty()) {
+      const std::string name = open.back();
+      open.pop_back();
+      for (std::string const& directory : places.at(name)) {
+        for (INCLUDE const& include : includes_of(path_of(directory, name))) {
+          add(include.name, path_of(directory, name));
+        }
+      }
+    }
+    return copies;
+  }
+
+  bool is_in(std::string const& name, std::string const& directory) const {
+    const auto place = places.find(name);
+    return place != places.end() && place->second.contains(directory);
+  }
+
+  /// The paths of the name's files and of those that they may include, directly or not.
+  NAMES needed_by(std::string const& source) {
+    NAMES paths;
+    std::vector<std::string> open = {source};
+    while (!open.empty()) {
+      const auto place = places.find(open.back());
+      open.pop_back();
+      if (place == places.end()) continue;
+      for (std::string const& directory : place->second) {
+        const std::string path = path_of(directory, place->first);
+        if (!paths.insert(path).second) continue;
+        for (INCLUDE const& include : includes_of(path)) open.push_back(fs::path(include.name).filename().string());
+      }
+    }
+    return paths;
+  }
+};
+
+} // namespace
+
+std::string path_of(std::string const& directory, std::string const& file) { return directory + '/' + file; }
+
+std::vector<std::string> reasons_to_refuse(fs::path const& root, std::set<std::string> const& directories) {
+  TREE_CHECK check(root, directories);
+  check.check_names();
+  check.check_objects();
+  check.check_headers();
+  check.check_dependencies();
+  return check.reasons;
+}

@@ -1,0 +1,19 @@
+# What the cases of trees.txt begin with: the tools of project_files as they are installed, and a few helpers.
+unset MAKEFLAGS MAKELEVEL KMAKE_SCRATCH_DIR BFLAGS CFLAGS CC
+mkdir -p usr/bin usr/share/kindex
+ln -s "$(command -v project_files)" usr/bin
+ln -s "$TEST_DATA/../project_files/tools" usr/share/kindex
+export PATH="$PWD/usr/bin:$PATH" K7MACHINE=test K7PATH="$PWD/public"
+. usr/share/kindex/tools/environment
+
+put() { # FILE LINE...
+  mkdir -p "$(dirname "$1")"
+  file=$1
+  shift
+  printf '%s\n' "$@" > "$file"
+}
+build() { # GOAL...: prints what is compiled and linked, in order, or what make says if it fails
+  make -f kmakefile "$@" > log 2>&1 || cat log
+  grep 'No such file' log
+  sed -n 's/^cc .*-o \([^ ]*\).*/\1/p; s/^Klink .*-o \([^ ]*\).*/\1/p' log | sed 's,.*/,,' | paste -s -d ' '
+}

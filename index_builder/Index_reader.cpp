@@ -13,8 +13,8 @@ namespace {
 
 constexpr std::size_t most_bytes = std::size(Key) - 1;
 
-/// Hands characters to `take` up to one that it refuses, which is dropped, too. Leaves the stream failed when there are
-/// none left.
+/// Passes characters to `take` up to the first that it refuses, which is dropped. Leaves the stream failed if none is
+/// left.
 template <class TAKE>
 void read_through(std::fstream& in, TAKE take) {
   const std::ios_base::iostate state = pass_while(in, take);

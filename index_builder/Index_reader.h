@@ -5,13 +5,13 @@
 /// The field that `get_key` read last, as NUL-terminated text.
 extern char Key[1000];
 
-/// The key whose pages are being collected, without its marker.
+/// The key whose pages are being collected, without a marker.
 extern char Keym1[1000];
 
-/// Drops characters up to and including the next '{'. At the end of input, or when reading fails, the stream is failed.
+/// Drops characters up to and including the next '{'. At the end of input or after a read error, the stream is failed.
 void swallow(std::fstream& in);
 
-/// Reads the field behind a '{' into `Key`, up to its matching '}', which is dropped; there is no escape character.
-/// A field that the end of input cuts short leaves the stream failed. Of a field of more than 999 bytes the first 999
-/// are kept, which one line on standard error tells.
+/// Reads the field after a '{' into `Key`, up to the matching '}', which is dropped; there is no escape character. A
+/// field that the end of input cuts short leaves the stream failed. Of a field of more than 999 bytes the first 999 are
+/// kept, and a line on standard error says so.
 void get_key(std::fstream& in);

@@ -19,7 +19,7 @@
 
 namespace {
 
-/// Pages of one key in order of first arrival, each once, with a flag beside each: 1 for a principal page, else 0.
+/// The pages of one key in order of first arrival, each once, and a flag for each: 1 for a principal page, else 0.
 struct PAGES {
   LIST<int> numbers;
   LIST<int> flags;
@@ -38,7 +38,7 @@ struct PAGES {
 };
 
 void run_in_shell(STRING const& command) {
-  [[maybe_unused]] const int status = std::system(command.str); // what came of it shows in the files
+  [[maybe_unused]] const int status = std::system(command.str); // the files show what came of it
 }
 
 bool read_field(std::fstream& in) {
@@ -47,7 +47,7 @@ bool read_field(std::fstream& in) {
   return in.good();
 }
 
-/// Takes the '*' of a principal page off the end of the key and tells whether it was there.
+/// Removes the '*' of a principal page from the end of the key. Returns whether it was there.
 bool take_marker(char* key) {
   const std::size_t length = std::strlen(key);
   if (length == 0 || key[length - 1] != '*') return false;
@@ -55,7 +55,7 @@ bool take_marker(char* key) {
   return true;
 }
 
-/// The heading of the keys that begin with `first`; empty for the empty key.
+/// The heading for keys that begin with `first`; empty for the empty key.
 STRING heading_of(char first) {
   switch (first) {
   case '\\': return "Param\\'etr\\'e";
@@ -65,7 +65,7 @@ STRING heading_of(char first) {
   }
 }
 
-/// Writes all pages at once, since inserting each into the stream would take longer than reading its entry.
+/// Writes all pages at once, since inserting each in the stream would take longer than reading its entry.
 void write_item(std::ostream& out, char const* key, PAGES const& pages) {
   std::string list;
   for (int i = 0; i < pages.numbers.size; ++i) {
@@ -78,8 +78,8 @@ void write_item(std::ostream& out, char const* key, PAGES const& pages) {
   out << "\\indexitem{" << key << "}{" << list << "}\n";
 }
 
-/// Merges the sorted entries into headings and items. An entry that the end of input cuts short does not count. False,
-/// with nothing written, when there is no complete key at all.
+/// Merges the sorted entries into headings and items. An entry that the end of input cuts short does not count. Returns
+/// false, with nothing written, if there is no complete key at all.
 bool build_index(std::fstream& sorted, std::ostream& out) {
   if (!read_field(sorted)) return false;
   std::strcpy(Keym1, Key);
@@ -121,7 +121,7 @@ void make_index(STRING const& input) {
   if (any_entry) run_in_shell("rm -f oo");
 }
 
-/// Opens what is closed of the standard streams: a file would take its place, and messages would land in that file.
+/// Opens those standard streams that are closed: otherwise a file would take their place and receive messages.
 void complete_standard_streams() {
   int file = STDIN_FILENO;
   while (file >= 0 && file <= STDERR_FILENO) file = open("/dev/null", O_RDWR);
@@ -131,8 +131,8 @@ void complete_standard_streams() {
 } // namespace
 
 int main(int argc, char* argv[]) {
-  // A message may have lost its reader, a file may have reached its limit. Unlike SIG_IGN, a function is not handed on
-  // to what the shell runs.
+  // Neither a closed standard error nor a limit on the size of files may end the run. Unlike SIG_IGN, a function is not
+  // inherited by what the shell runs.
   for (const int fatal : {SIGPIPE, SIGXFSZ}) std::signal(fatal, [](int) {});
   complete_standard_streams();
   try {

@@ -18,7 +18,7 @@ void write_position(char const* source_file, int source_line) {
   cerr << "At file " << source_file << ":" << itoa(source_line) << endl;
 }
 
-// These are built in this order, before the static objects of programs, and destroyed after them.
+// Built in this order before the static objects of programs, and destroyed after them.
 [[gnu::init_priority(102)]] const std::ios_base::Init standard_streams;
 
 } // namespace

@@ -61,7 +61,7 @@ bool ASCII_FILE::if_current_file() { return current_file != nullptr; }
 std::streampos ASCII_FILE::get_position() {
   if (fail()) return -1;
   try {
-    return std::ios::rdbuf()->pubseekoff(0, ios_base::cur, ios_base::in); // tellg would make a failure of the mere end
+    return std::ios::rdbuf()->pubseekoff(0, ios_base::cur, ios_base::in); // tellg would fail at the end
   } catch (...) {
     setstate(ios_base::badbit);
     return -1;

@@ -26,8 +26,8 @@ struct WORD {
 
 /// Reads a word and drops the character that ends it.
 ///
-/// The stream itself does not fail at its end yet, so that a report made there can still tell where that is, and
-/// finding that out does not start the file anew.
+/// At the end the stream itself does not fail yet, so that a report made there can tell the place and does not start
+/// the file anew.
 WORD read_word(ASCII_FILE& file, PART part) {
   pass_while(file, is_blank);
   std::string word;

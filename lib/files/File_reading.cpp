@@ -49,8 +49,8 @@ ios_base::iostate skip_separators(ASCII_FILE& file) {
   return pass_while(file, separates);
 }
 
-/// Reads the next token of this very file as it stands, "EOF" at the end. Gives whether there was one. The character
-/// that ends it is looked at only.
+/// Reads the next token of this file itself, macros not replaced, or "EOF" at the end. Returns whether there was one.
+/// The character that ends it is not taken.
 bool read_token(ASCII_FILE& file, STRING& token) {
   ASCII_FILE::current_file = &file;
   file.line_changed = false;
@@ -61,11 +61,11 @@ bool read_token(ASCII_FILE& file, STRING& token) {
   const bool found = !text.empty();
   assign_in_place(token, found ? text : "EOF");
   const bool only_at_end = found && (state & ios_base::badbit) == 0;
-  if (!only_at_end) file.setstate(state); // behind a token that the end cuts short, `back` and error locations work on
+  if (!only_at_end) file.setstate(state); // after a token that the end of the file ends, `back` and reports still work
   return found;
 }
 
-/// The next token of this very file, macros replaced.
+/// The next token of this file itself, macros replaced.
 STRING own_token(ASCII_FILE& file) {
   STRING token;
   bool found = read_token(file, token);
@@ -75,7 +75,7 @@ STRING own_token(ASCII_FILE& file) {
   return token;
 }
 
-/// Reads the next line with its comment and drops its end. Gives whether there was one.
+/// Reads the next line with its comment, and drops its end. Returns whether there was one.
 bool read_line(ASCII_FILE& file, std::string& line) {
   ios_base::iostate state = pass_while(file, [](char c) { return c == '\n'; });
   if (state != ios_base::goodbit) {
@@ -87,7 +87,7 @@ bool read_line(ASCII_FILE& file, std::string& line) {
   const bool ended = state == ios_base::goodbit;
   char terminator = '\0';
   if (ended) take_character(file, terminator);
-  // A line is one only if two characters are there to be read, its end and what follows it included.
+  // It counts as a line only if two characters are there to be read, its end and what follows it included.
   const bool single = line.size() + (ended ? 1 : 0) < 2;
   if (single && ended) state = pass_while(file, [](char) { return false; });
   const bool none = single && state != ios_base::goodbit;
@@ -99,7 +99,7 @@ bool read_line(ASCII_FILE& file, std::string& line) {
   return !none;
 }
 
-/// What was read from the file, unless it stands on another line: then it goes back, and the result is empty.
+/// Returns what was read from the file; if that was on another line, it is put back and the result is empty.
 template <class VALUE>
 VALUE on_same_line(ASCII_FILE& file, VALUE const& read) {
   if (!file.line_changed) return read;

@@ -7,9 +7,9 @@
 
 #include "lib/strings/Stringpp.h"
 
-// What the operations of STRING share about the buffers of its pool.
+// How the operations of STRING handle the buffers of its pool.
 
-/// The size of a buffer that comes from the pool, unless it was made for a longer text.
+/// The size of a buffer in the pool, unless it was made for a longer text.
 constexpr std::size_t standard_size = 510;
 
 /// As `get_ptr`, for texts of any length.
@@ -18,7 +18,7 @@ inline char* take_buffer(std::size_t length) {
   return new char[std::max(length + 1, standard_size)];
 }
 
-/// Trades `old` for a buffer that holds `length` bytes and a terminator. If this throws, `old` is still the caller's.
+/// Trades `old` for a buffer of `length` bytes and a terminator. If this throws, `old` is still the caller's.
 inline char* trade_buffer(char* old, std::size_t length) {
   if (length < standard_size) { // with `old` in it, the pool has a buffer for certain
     put_ptr(old);
@@ -29,7 +29,7 @@ inline char* trade_buffer(char* old, std::size_t length) {
   return fresh;
 }
 
-/// A new buffer with a copy of `text`, asked for with room for `spare` characters more.
+/// Returns a new buffer with a copy of `text`, and asks for it with room for `spare` more characters.
 inline char* copied(char const* text, std::size_t spare) {
   const std::size_t length = std::strlen(text);
   char* const fresh = take_buffer(length + spare);
@@ -37,14 +37,14 @@ inline char* copied(char const* text, std::size_t spare) {
   return fresh;
 }
 
-/// Gives s a new buffer that holds `text`, which may lie in the old one.
+/// Makes `text`, which may lie in the buffer of s, the text of s, in a new buffer.
 inline void assign_anew(STRING& s, char const* text) {
   char* const fresh = copied(text, 0);
   put_ptr(s.str);
   s.str = fresh;
 }
 
-/// Makes `text`, which lies outside of s and holds no NUL, the text of s, in the buffer that s has if it fits.
+/// Makes `text`, which lies outside s and holds no NUL, the text of s, in the buffer that s has if it fits.
 inline void assign_in_place(STRING& s, std::string_view text) {
   if (text.size() >= standard_size) s.str = trade_buffer(s.str, text.size());
   text.copy(s.str, text.size());

@@ -7,15 +7,15 @@
 #include <memory>
 #include <type_traits>
 
-/// An owned array with an explicit element count, the root of the four containers. `T` needs a default constructor and
-/// assignment, and for the three that can be searched `==`, used or not.
+/// An array that owns its elements and counts those in use, the root of the four containers. `T` needs a default
+/// constructor and assignment, and `==` for the three containers that can be searched, even if nobody searches.
 ///
-/// Containers cannot be copied: hand them on by reference or pointer. Places that are spare hold elements, too; a spare
-/// `STRING` takes 512 bytes like any other.
+/// New elements are made by `new T[]`: texts are empty, but integers undefined. Spare places hold elements, too; a
+/// spare `STRING` takes 512 bytes like any other. Containers cannot be copied: pass them by reference or pointer.
 ///
 /// Pointers and references to elements are valid until the storage is next replaced. Indexes and sizes are not checked.
-/// An operation that cannot get memory throws std::bad_alloc; one that releases the old elements first then leaves the
-/// container empty and without storage, `add` leaves it as it was.
+/// An operation that cannot get memory throws std::bad_alloc. `add` then leaves the container as it was; the others,
+/// which release the old elements first, leave it empty and without storage.
 template <class T>
 class ARRAY {
 public:
@@ -41,7 +41,7 @@ public:
   /// Changes the count alone; the caller keeps n within the storage.
   virtual void set_size(int n) { size = n; }
 
-  /// Drops all elements and makes n new ones; without storage when n is 0 or less. `resize(0)` empties any container.
+  /// Drops all elements and makes n new ones; no storage if n is 0 or less. `resize(0)` empties any container.
   virtual void resize(int n) {
     release();
     if (n >= 1) allocate(n);
@@ -74,8 +74,7 @@ protected:
     size = 0;
   }
 
-  /// Moves to new storage of `capacity` elements with x behind the current ones. x may be one of them: it is copied
-  /// before they go.
+  /// Moves to new storage of `capacity` elements and appends x, which may be an element: it is copied before they go.
   void grow(int capacity, T const& x) {
     const int used = count();
     std::unique_ptr<T[]> fresh(new T[static_cast<std::size_t>(capacity)]);
@@ -134,15 +133,15 @@ public:
   void add(T const& x) { this->grow(this->count() + 1, x); }
 };
 
-/// A list with spare room that grows by a fixed step. For long lists; for very long ones, which a fixed
-/// step makes slow, with this ahead of each `add`: if (l.size == l.capacity) l.increment = l.capacity;
+/// A list with spare room that grows by a fixed step. For long lists. A fixed step makes very long ones slow; for these
+/// double the room before each `add`: if (l.size == l.capacity) l.increment = l.capacity;
 template <class T>
 class BUFF_LIST : public CARRAY<T> {
 public:
   /// How many elements the storage holds.
   int capacity;
 
-  /// How many places an `add` that finds the storage full adds; at least 1.
+  /// How many places `add` makes when the storage is full; at least 1.
   int increment;
 
   /// Allocates storage for `initial_capacity` elements (below 0 counts as 0); a step below 1 counts as 1.
@@ -164,7 +163,7 @@ public:
     }
   }
 
-  /// Keeps storage and elements while n fits the capacity; otherwise drops them for n new ones, with no spare room.
+  /// Keeps storage and elements if n fits the capacity; otherwise drops them for n new ones, without spare room.
   void resize(int n) override {
     if (n <= capacity) {
       this->size = n;

@@ -70,7 +70,7 @@ STRING& STRING::operator=(STRING const& s) {
 }
 
 STRING& STRING::operator=(char c) {
-  // What is traded goes back first: if the pool is full, a buffer made for a long text is freed here.
+  // The old buffer goes back first: with a full pool, one that was made for a long text is freed here.
   if (str[0] == '\0') str = trade_buffer(str, 1);
   str[0] = c;
   str[1] = '\0';
@@ -105,7 +105,7 @@ char* STRING::locate(char c) { return std::strchr(str, c); }
 char* STRING::locate(char const* s) { return std::strstr(str, s); }
 char* STRING::locate(STRING const& s) { return std::strstr(str, s.str); }
 
-int STRING::to_int() const { // as strtol reads a number, which takes several times as long for a page of an index
+int STRING::to_int() const { // as strtol, which takes several times as long for a page of an index
   char const* next = str;
   while (*next == ' ' || (*next >= '\t' && *next <= '\r')) ++next;
   const bool negative = *next == '-';

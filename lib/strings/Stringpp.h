@@ -4,47 +4,50 @@
 #include <iosfwd>
 #include <string_view>
 
-/// The pool of scratch buffers that every `STRING` lives on: `pBufs[0]` to `pBufs[Nb_string]` are free, the one handed
-/// back last on top, and each holds at least 510 bytes. It starts empty, fills with what strings hand back, and works
-/// before any constructor has run. One thread only.
+/// The pool of scratch buffers from which every `STRING` takes its own: `pBufs[0]` to `pBufs[Nb_string]` are free, the
+/// one returned last on top, and each holds at least 510 bytes. It starts empty, fills with what strings return, and
+/// works before any constructor has run. One thread only.
 extern char* pBufs[1001];
 
 /// Index of the top free buffer in `pBufs`, -1 while the pool is empty.
 extern int Nb_string;
 
-/// A buffer of at least n + 1 bytes with undefined contents, from the pool when n is at most 509 and the pool holds
-/// one, else from `new char[]`. The caller owns it and gives it up with `put_ptr`. Throws std::bad_alloc without
+/// Returns a buffer of at least n + 1 bytes with undefined contents, from the pool if n is at most 509 and the pool
+/// has one, else from `new char[]`. The caller owns it and returns it with `put_ptr`. Throws std::bad_alloc without
 /// memory.
 char* get_ptr(int n);
 
-/// Takes a buffer of `get_ptr` back: into the pool, or freed when all slots are in use. Null is ignored.
+/// Takes back a buffer of `get_ptr`: puts it in the pool, or frees it if the pool is full. Null is ignored.
 void put_ptr(char* p);
 
 /// An owned, NUL-terminated byte string with value semantics, made for many short-lived texts.
 ///
-/// The text lives in a buffer of the pool above, so making and dropping texts of up to 509 bytes costs no heap call
-/// once the pool is warm; a longer text gets a buffer of its own size. So a text that is kept takes 512 bytes or more,
-/// an empty one, too. The length is not stored but measured, so a text never holds a NUL byte. There is no spare
-/// capacity: an operation that lengthens the text takes a new buffer, which ends the validity of every pointer into the
-/// old one.
+/// The text is in a buffer of the pool above. Once the pool has buffers, constructing a text of up to 508 bytes, or
+/// assigning one of up to 509, costs no heap call; a longer text gets a buffer of its own size. So a text that is kept
+/// takes 512 bytes or more, even an empty one. The length is not stored but measured, and a text never holds a NUL
+/// byte. There is no spare capacity: an operation that lengthens the text takes a new buffer, and pointers into the old
+/// one are no longer valid. Sanitizers do not find their use, since the old buffer is back in the pool; likewise
+/// `itoa(5).str` is only valid until the end of its statement.
 ///
-/// `s.str` and `std::string(s.str)` hand the text to the standard library, `s = t.c_str()` takes it back; `itoa(5).str`
-/// dangles as soon as its line has ended. A number converts to the character of that code: `s += 65` appends 'A', and
-/// `LIST<STRING>::add(5)` or `write(stream, 5)` takes a control character. Write `itoa(n)` or `ftoa(x)` there.
+/// `std::strlen(s.str)` is the length, `s.str[i]` a character. `std::string(s.str)` and `ASCII_FILE f(s.str, 0)` pass
+/// the text on, `s = t.c_str()` takes one over. `s == "ab"` works everywhere, `"ab" == s` from C++20 on.
+///
+/// A number, also a `double`, converts to the character of that code: in `s = 65`, `s + 65` and `s += 65`, in
+/// `LIST<STRING>::add(5)` and `write(stream, 5)`. Write `itoa(n)` or `ftoa(x)` there. `"n = " + 5` is no text at all.
 ///
 /// An operation that cannot get memory throws std::bad_alloc and leaves the text valid.
 class STRING {
 public:
-  /// The text; never null while the object lives, and owned by it. Valid until the text next changes.
+  /// The text, owned by the object and never null while that lives. Valid until the text next changes.
   char* str;
 
   /// Outcome of the last token extraction on this text; true after construction. Assignments leave it alone.
   bool success = true;
 
-  /// The read-only view of this object's own `success`.
+  /// The object's own `success`, for reading.
   const bool& ok = success;
 
-  /// An empty text, there before the static objects of programs and after them.
+  /// An empty text, built before the static objects of programs and destroyed after them.
   static STRING EMPTY;
 
   /// The empty text.
@@ -61,7 +64,7 @@ public:
 
   ~STRING();
 
-  /// s may point into this very text, which then becomes its own tail. A null s empties the text.
+  /// s may point into the text itself, which is then cut to that part. A null s empties the text.
   STRING& operator=(char const* s);
   STRING& operator=(STRING const& s);
   STRING& operator=(char c);
@@ -70,7 +73,7 @@ public:
   bool operator==(char const* s) const;
   bool operator==(STRING const& s) const;
 
-  /// The difference that strcmp gives, non-zero exactly when the texts differ.
+  /// The result of strcmp: not zero if the texts differ.
   int operator!=(char const* s) const;
   int operator!=(STRING const& s) const;
 
@@ -84,11 +87,11 @@ public:
   STRING& operator+=(char const* s);
   STRING& operator+=(char c);
 
-  /// The first occurrence of c, as strchr finds it (NUL finds the terminator), or null. The text may be edited through
-  /// the result, which is valid until the text next changes.
+  /// The first occurrence of c, or null; NUL finds the terminator, as with strchr. The text may be edited through the
+  /// result, which is valid until the text next changes.
   char* locate(char c);
 
-  /// The first occurrence of s, as strstr finds it (an empty s is found at the start), or null; valid as above.
+  /// The first occurrence of s, or null; an empty s is found at the start. Valid as above.
   char* locate(char const* s);
   char* locate(STRING const& s);
 
@@ -99,8 +102,8 @@ public:
   /// The real number at the start of the text, its exponent written with e, E, d or D; 0 without one.
   double to_double() const;
 
-  // Editing: each changes the text it is called on, also where it returns it. A blank is the space character alone;
-  // what the text lacks cannot be cut, so the text then stays as it is.
+  // Editing. Each operation changes the text it is called on, and returns it or nothing. A blank is the space character
+  // alone. A text without what is to be cut stays as it is.
 
   /// Drops every c, in place.
   void remove_all(char c);
@@ -129,27 +132,28 @@ public:
   /// Keeps what follows the last '/'.
   STRING& basename();
 
-  /// Whether the text begins or ends with s; an empty s is always there.
+  /// Whether the text begins or ends with s; true for an empty s.
   bool start_with(STRING const& s) const;
   bool end_with(STRING const& s) const;
 
-  /// Whether the whole text is a sign, digits, or a sign and digits.
+  /// Whether the whole text is a sign, digits, or a sign followed by digits.
   bool if_int() const;
 
-  /// Whether the whole text is a real number: one with a decimal point, digits beside it, and perhaps an exponent
-  /// behind it, written with e, E, d or D.
+  /// Whether the whole text is a real number: a decimal point with digits before or after it, and perhaps an exponent
+  /// with e, E, d or D.
   bool if_double() const;
 
-  // Extraction. Each takes the word at the start of the text, up to a blank, a comma or the end, and leaves the rest,
-  // trimmed at both ends, with what ended the word in front. `ok` tells whether it took one; the text stays as it was
-  // if not. A comma is never passed: in front of it the word is empty, again and again. To read over commas, make them
-  // blanks first: while (char* comma = s.locate(',')) *comma = ' ';
+  // Extraction. Each operation takes the word at the start of the text, up to a blank, a comma or the end. The rest
+  // stays, without blanks at its ends, and begins with what ended the word. `ok` tells whether a word was taken; if
+  // not, the text stays as it was. A comma is never passed: the word before it is empty, as often as one asks. To read
+  // past commas, make them blanks first: while (char* comma = s.locate(',')) *comma = ' ';
+  //
   // for (STRING word = s.getSTRING(); s.ok; word = s.getSTRING()) ...
 
-  /// The word; the empty text from a text of blanks.
+  /// The word; empty if the text holds only blanks.
   STRING getSTRING();
 
-  /// The word as a number, by `to_int` and `to_double`; 0 if it has not the form that `if_int` or `if_double` asks for.
+  /// The word as a number; 0 if it does not have the form that `if_int` or `if_double` asks for.
   int getint();
   double getdouble();
 };
@@ -168,7 +172,7 @@ int strn_cmp(char const* a, STRING const& b, int n);
 int strn_cmp(STRING const& a, char const* b, int n);
 int strn_cmp(STRING const& a, STRING const& b, int n);
 
-/// Both texts, one behind the other; neither changes.
+/// The first text followed by the second; neither changes.
 STRING operator+(STRING const& a, STRING const& b);
 STRING operator+(STRING const& a, char const* b);
 STRING operator+(STRING const& a, char b);
@@ -178,23 +182,23 @@ STRING operator+(char a, STRING const& b);
 /// Writes the text as a character array is written: the stream's width and fill apply.
 std::ostream& operator<<(std::ostream& os, STRING const& s);
 
-/// Reads one word, up to white space; the stream's width applies as to a character array. Without a word left s stays
-/// unchanged; the stream's state tells, also of memory that failed. A word of more than 511 characters is reported
-/// through `ERROR_MESSAGER` first.
+/// Reads one word, up to white space; the stream's width applies as to a character array. If there is no word, or no
+/// memory for it, s stays unchanged and the stream is failed. A word of more than 511 characters is reported through
+/// `ERROR_MESSAGER` first.
 std::istream& operator>>(std::istream& is, STRING& s);
 
 /// Writes the binary record of s: its length as an `int` of four bytes in the machine's order, then its bytes. A text
 /// too long for such a length writes nothing and sets the fail state.
 void write(std::ostream& os, STRING const& s);
 
-/// Reads one binary record into s. A missing or negative length gives the empty text, a stream that ends early the
-/// bytes that came; the stream's state tells.
+/// Reads one binary record into s. Where the stream ends early, s gets the bytes that came, and the stream is failed. A
+/// negative length makes s empty and leaves the stream good.
 void read(std::istream& is, STRING& s);
 
-/// n in decimal, '-' in front of a negative value.
+/// n in decimal.
 STRING itoa(int n);
 
-/// x as printf writes it by `format`, at most the first 50 characters. REQUIRES: `format` takes exactly one `double`.
+/// x as printf writes it with `format`, at most the first 50 characters. REQUIRES: `format` takes exactly one `double`.
 STRING dtoa(double x, char const* format);
 
 /// x with six decimals, as "%f" writes it, at most the first 50 characters.

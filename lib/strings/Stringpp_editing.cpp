@@ -14,7 +14,7 @@ void convert(STRING& s, CONVERT converted) {
   for (char* c = s.str; *c != '\0'; ++c) *c = static_cast<char>(converted(static_cast<unsigned char>(*c)));
 }
 
-/// Tells whether a number was taken off s; otherwise s gets the text it had before.
+/// Records whether a number was taken from s; if not, s gets back the text it had before.
 bool number_taken(STRING& s, STRING const& before, bool is_number) {
   s.success = is_number;
   if (!is_number) s = before;

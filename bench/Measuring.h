@@ -31,8 +31,8 @@ benchmark::internal::Benchmark* compare(std::string const& title, OURS ours, BAS
   return benchmark::RegisterBenchmark(title.c_str(), run)->UseManualTime()->Unit(benchmark::kMillisecond);
 }
 
-/// Registers work of sizes from `first` to `last`, each ten times the one before. `prepare` gets a size and returns what
-/// is to be timed, after a run that fills the caches and the pool; the counter shows the seconds for one item.
+/// Registers work of sizes from `first` to `last`, each ten times the one before. `prepare` gets a size and returns
+/// what is to be timed, after a run that fills the caches and the pool; the counter shows the seconds for one item.
 template <class PREPARE>
 void grow(std::string const& title, int first, int last, PREPARE prepare) {
   const auto run = [=](benchmark::State& state) {

@@ -23,9 +23,11 @@ void splash_twice(char const* second, char const* dir_of_b) {
   SOURCE_DIR first_dir{{"k"}, {}}, second_dir{{second}, {}}, other_dir{{dir_of_b}, {}};
   SOURCE_FILE a{{"a.c"}, {}, &first_dir}, b{{"b.c"}, {}, &other_dir};
   LIST<SOURCE_DIR*> dirs;
-  dirs.set_ptr_and_size(new SOURCE_DIR*[2]{&first_dir, &second_dir}, 2);
+  dirs.set_ptr_and_size(
+      new SOURCE_DIR* [2] { &first_dir, &second_dir }, 2);
   LIST<SOURCE_FILE*> files;
-  files.set_ptr_and_size(new SOURCE_FILE*[2]{&a, &b}, 2);
+  files.set_ptr_and_size(
+      new SOURCE_FILE* [2] { &a, &b }, 2);
   ECLIPSE_PROJECT eclipse;
   eclipse.file_name = "structure";
   eclipse.dirs = &dirs;

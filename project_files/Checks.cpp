@@ -4,6 +4,7 @@
 #include <fstream>
 #include <map>
 #include <optional>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -33,7 +34,7 @@ class TREE_CHECK {
 public:
   std::vector<std::string> reasons;
 
-  TREE_CHECK(fs::path const& tree, std::set<std::string> const& directories) : root(tree) {
+  TREE_CHECK(fs::path tree, std::set<std::string> const& directories) : root(std::move(tree)) {
     for (std::string const& directory : directories) {
       check_name(directory, directory);
       for (std::string const& name : names_in(root / directory)) {

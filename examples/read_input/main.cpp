@@ -53,7 +53,7 @@ public:
   }
 
   /// What the library's readers report, as of broken definitions.
-  void err_message(STRING text, char const*, int) override { keep(text); }
+  void err_message(STRING text, char const* /*source_file*/, int /*source_line*/) override { keep(text); }
   using ERROR_MESSAGER::err_message;
 
 private:

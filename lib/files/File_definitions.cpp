@@ -62,7 +62,7 @@ void ASCII_FILE::add_def() {
 
 void ASCII_FILE::validate_def(STRING const& key, STRING const& value) {
   ASCII_FILE& owner = outermost();
-  const STRING added(key); // `key` may lie in the list of values
+  const STRING added(key.str); // `key` may lie in the list of values
   if (owner.def_keys.is_in(added)) report("Def key in", __LINE__);
   // An earlier definition may have found memory for its value but none for its key.
   owner.def_values.set_size(std::min(owner.def_keys.size, owner.def_values.size));

@@ -11,8 +11,9 @@ namespace {
 
 /// Takes the number and the name from a line that may be a marker, `# 40 "name" 1`.
 void apply_marker(std::string const& text, STRING& file, int& line) {
+  if (text[0] != '#') return;
   const std::size_t blank = text.find(' ');
-  if (text[0] != '#' || blank == std::string::npos) return;
+  if (blank == std::string::npos) return;
   STRING rest(text.c_str() + blank + 1);
   const int number = rest.getint();
   if (!rest.ok) return;

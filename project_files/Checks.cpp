@@ -55,7 +55,7 @@ public:
       if (name.ends_with(".h")) continue;
       const std::string first = path_of(*directories.begin(), name);
       for (auto other = std::next(directories.begin()); other != directories.end(); ++other) {
-        reasons.push_back(first + " and " + path_of(*other, name) + " would share one object");
+        refuse({first, " and ", path_of(*other, name), " would share one object"});
       }
     }
     for (std::string const& name : names_in(root)) {
@@ -63,7 +63,7 @@ public:
       for (std::string const& source : {name, name.substr(0, name.size() - 1) + 'k'}) {
         const auto place = places.find(source);
         if (place == places.end()) continue;
-        reasons.push_back(name + " would be compiled in place of " + path_of(*place->second.begin(), source));
+        refuse({name, " would be compiled in place of ", path_of(*place->second.begin(), source)});
       }
     }
   }
@@ -75,14 +75,16 @@ public:
     for (auto const& [name, directories] : places) {
       if (!name.ends_with(".h") || directories.size() == 1) continue;
       for (std::string const& directory : directories) {
-        ambiguous[name] += (directory == *directories.begin() ? "" : " or ") + path_of(directory, name);
+        std::string& paths = ambiguous[name];
+        if (!paths.empty()) paths += " or ";
+        paths += path_of(directory, name);
       }
     }
     if (ambiguous.empty()) return;
     const auto copies = read_as_copies();
     for (auto const& [name, paths] : ambiguous) {
       const auto copy = copies.find(name);
-      if (copy != copies.end()) reasons.push_back(copy->second + " includes " + name + ", which may be " + paths);
+      if (copy != copies.end()) refuse({copy->second, " includes ", name, ", which may be ", paths});
     }
   }
 
@@ -103,7 +105,7 @@ public:
       for (std::string const& path : needed_by(name)) {
         if (!is_edited(path)) continue;
         const std::string source = path_of(*directories.begin(), name);
-        reasons.push_back(path + ": make takes " + object + " in that name for the object of " + source);
+        refuse({path, ": make takes ", object, " in that name for the object of ", source});
       }
     }
   }
@@ -126,11 +128,16 @@ private:
     return names;
   }
 
+  void refuse(std::initializer_list<std::string_view> parts) {
+    std::string& reason = reasons.emplace_back();
+    for (const std::string_view part : parts) reason += part;
+  }
+
   void check_name(std::string const& name, std::string const& path) {
     auto found = name.find_first_of(" \t\n\r\v\f$#:%\\'\"`*?[;&()|<>=,");
     if (name.starts_with('^')) found = 0;
-    if (found != std::string::npos)
-      reasons.push_back(path + ": make takes a name with '" + name[found] + "' in it apart");
+    if (found == std::string::npos) return;
+    refuse({path, ": make takes a name with '", std::string_view(name).substr(found, 1), "' in it apart"});
   }
 
   std::vector<INCLUDE> const& includes_of(std::string const& path) {

@@ -94,7 +94,7 @@ public:
     if (is_there && !S_ISREG(old.st_mode)) throw std::runtime_error(failure + ": not a regular file");
     target = fs::weakly_canonical(path);
     check(!is_there || may_replace(old));
-    temporary = target.parent_path() / ("." + target.filename().string() + ".new");
+    temporary = target.parent_path() / ("." + path.filename().string() + ".new");
     unlink(temporary.c_str()); // left by a run that was killed
     text.open(temporary);
     check(text.is_open());
@@ -141,7 +141,7 @@ int cannot_take(std::string const& argument) {
 int main(int argc, char* argv[]) {
   for (int file = 0; file >= 0 && file <= 2;) file = open("/dev/null", O_RDWR); // no file becomes a standard stream
   std::signal(SIGXFSZ, SIG_IGN);
-  std::signal(SIGPIPE, SIG_IGN); // what it prints, nobody need read
+  std::signal(SIGPIPE, SIG_IGN); // nobody needs to read what it prints
   std::vector<std::string> arguments(argv + 1, argv + argc);
   if (std::erase(arguments, "--help") > 0) {
     std::cout << usage;

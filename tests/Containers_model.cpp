@@ -27,6 +27,7 @@ public:
     for (NUMBER const& element : ours) found += std::to_string(element.n) + ' ';
     std::for_each(all.begin(), end(), [&](int number) { expected += std::to_string(number) + ' '; });
     trial.compare("elements", found, expected);
+    if constexpr (std::is_same_v<CONTAINER, BUFF_LIST<NUMBER>>) trial.compare("capacity", ours.capacity, all.size());
   }
 
 private:
@@ -84,9 +85,11 @@ private:
 void containers_model(TRIAL& trial) {
   LIST<NUMBER> list;
   BUFF_LIST<NUMBER> buffer(2, 3);
-  const BUFF_LIST<NUMBER> least(-1, -1);
+  BUFF_LIST<NUMBER> least(-1, -1);
   trial.compare("least capacity", least.capacity, 0);
   trial.compare("least increment", least.increment, 1);
+  for (int n = 0; n < 2; ++n) least.add({n});
+  trial.compare("capacity that grows by one", least.capacity, 2);
   CONTAINERS lists(trial, list, 0, 1);
   CONTAINERS buffers(trial, buffer, 2, 3);
   while (trial.goes_on()) {

@@ -8,6 +8,7 @@
 #include "lib/files/File.h"
 #include "project/Eclipse_project.h"
 #include "project/Kdirscanner.h"
+#include "project/Make_project.h"
 
 namespace {
 
@@ -17,6 +18,18 @@ struct RETURNING_MESSAGER : ERROR_MESSAGER {
   void do_EXIT() override {}
   void alert(STRING text) override { ERROR_MESSAGER::alert("alert: " + text); }
 } returning_messager;
+
+/// Writes a make file for the libraries k and l.
+void make_libraries() {
+  MAKE_LIB k{{"k"}, {}}, l{{"l"}, {}};
+  LIST<MAKE_LIB*> libs;
+  libs.set_ptr_and_size(
+      new MAKE_LIB* [2] { &k, &l }, 2);
+  MAKE_PROJECT project;
+  project.libs = &libs;
+  project.splash();
+  cerr << project.file_name;
+}
 
 /// Writes twice an Eclipse project of the directories k and `second`, with a.c in k and b.c in `dir_of_b`.
 void splash_twice(char const* second, char const* dir_of_b) {
@@ -91,6 +104,12 @@ void print_state(F& file) {
        << ", previous_pos " << file.previous_pos;
 }
 
+void open_obin_file(STRING const& path) {
+  OBIN_FILE file;
+  file.open(path.str, 32);
+  cerr << file.file_name;
+}
+
 const std::map<std::string_view, CALL> calls = {
     {"open", [](F& file, STRING const& path) { file.open(path.str, 48); }},
     {"close", member(&F::close)},
@@ -135,9 +154,10 @@ const std::map<std::string_view, CALL> calls = {
     {"input_error", [](F&, STRING const&) { M::STATIC_INPUT_ERROR("text", "file.cpp", 12); }},
     {"critical", [](F&, STRING const&) { M::STATIC_CRITICAL("text", "file.cpp", 12); }},
     {"EXIT", [](F&, STRING const&) { M::EXIT(); }},
-    {"OBIN_FILE::open", [](F&, STRING const& path) { OBIN_FILE().open(path.str, 32); }},
-    {"OBIN_FILE", [](F&, STRING const& path) { OBIN_FILE(path.str, 0); }},
+    {"OBIN_FILE::open", [](F&, STRING const& path) { open_obin_file(path); }},
+    {"OBIN_FILE", [](F&, STRING const& path) { cerr << OBIN_FILE(path.str, 0).file_name; }},
     {"scan", [](F&, STRING const& flags) { scan(flags); }},
+    {"make_libraries", [](F&, STRING const&) { make_libraries(); }},
     {"splash_twice", [](F&, STRING const& second) { splash_twice(second.str, second.str); }},
     {"splash_unknown", [](F&, STRING const&) { splash_twice("l", "unknown"); }},
 };

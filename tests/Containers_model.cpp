@@ -88,8 +88,8 @@ void containers_model(TRIAL& trial) {
   BUFF_LIST<NUMBER> least(-1, -1);
   trial.compare("least capacity", least.capacity, 0);
   trial.compare("least increment", least.increment, 1);
-  for (int n = 0; n < 2; ++n) least.add({n});
-  trial.compare("capacity that grows by one", least.capacity, 2);
+  for (int n = 0; n < 3; ++n) least.add({n});
+  trial.compare("capacity that grows by one", least.capacity, 3);
   CONTAINERS lists(trial, list, 0, 1);
   CONTAINERS buffers(trial, buffer, 2, 3);
   while (trial.goes_on()) {

@@ -1,0 +1,234 @@
+#include "kmakeindex/Index.h"
+
+#include <algorithm>
+#include <cctype>
+#include <functional>
+#include <optional>
+
+#include "kmakeindex/Typed_key.h"
+
+namespace {
+
+/// Where a text stands among texts as makeindex compares them: signs, digits with other signs, numbers, letters.
+int class_of(std::string_view text) {
+  const auto is_digit = [](unsigned char c) { return std::isdigit(c) != 0; };
+  if (text.empty()) return 0;
+  if (is_digit(static_cast<unsigned char>(text[0]))) return std::ranges::all_of(text, is_digit) ? 3 : 2;
+  return std::isalpha(static_cast<unsigned char>(text[0])) != 0 ? 4 : 1;
+}
+
+std::strong_ordering compare_numbers(std::string_view a, std::string_view b) {
+  a.remove_prefix(std::min(a.find_first_not_of('0'), a.size()));
+  b.remove_prefix(std::min(b.find_first_not_of('0'), b.size()));
+  return a.size() != b.size() ? a.size() <=> b.size() : a <=> b;
+}
+
+/// Without regard to case and, in letter order, to blanks.
+std::strong_ordering compare_letters(std::string_view a, std::string_view b, bool letter_order) {
+  const auto fold = [&](std::string_view text) {
+    std::string folded(text);
+    if (letter_order) std::erase(folded, ' ');
+    std::ranges::transform(folded, folded.begin(), [](unsigned char c) { return std::tolower(c); });
+    return folded;
+  };
+  return fold(a) <=> fold(b);
+}
+
+/// As makeindex compares texts; the empty one, for an item without, is first.
+std::strong_ordering compare_texts(std::string_view a, std::string_view b, bool letter_order) {
+  const int kind = class_of(a);
+  std::strong_ordering result = kind <=> class_of(b);
+  if (result == 0 && kind == 3) result = compare_numbers(a, b);
+  if (result == 0 && kind == 4) result = compare_letters(a, b, letter_order);
+  return result == 0 ? a <=> b : result;
+}
+
+} // namespace
+
+INDEX::INDEX(STYLE const& with, MESSAGES& to) : style(with), messages(to) {
+  find_look({}); // number 0
+}
+
+std::size_t INDEX::HASH::operator()(ITEM_NAME const& name) const {
+  constexpr std::size_t factor = 0x9E3779B97F4A7C15U;
+  const std::size_t place = (std::size_t(name.parent) << 32U | name.place) * factor;
+  return name.has_text ? place ^ std::hash<std::string_view>()(name.text) : place ^ place >> 32U;
+}
+
+void INDEX::add(std::string_view key, std::string_view page, LINE line, KEY_SYNTAX const& syntax) {
+  SYNTAX_KEYS& known = keys[syntax.is_typed ? 1 : 0];
+  const std::uint32_t number = known.texts.number_of(key);
+  if (number == known.uses.size()) known.uses.push_back(use_key(key, line, syntax));
+  const KEY_USE use = known.uses[number];
+  if (use.item != ITEM::none) entries.push_back({use.item, find_page(page, key, line), use.look, line, use.range});
+}
+
+INDEX::KEY_USE INDEX::use_key(std::string_view key, LINE line, KEY_SYNTAX const& syntax) {
+  if (syntax.is_plain(key)) {
+    const std::uint32_t place = places.number_of(key);
+    return {find_item({ITEM::none, place, {}, false}), 0, KEY::RANGE::NONE};
+  }
+  const KEY read = read_key(key, syntax, [&](std::string_view what) {
+    messages.warn(line, "the key `" + shown(key) + "' " + std::string(what));
+  });
+  std::uint32_t item = ITEM::none;
+  for (KEY::LEVEL const& level : read.levels) {
+    const std::string_view place = keep(level.place);
+    const std::string_view text = level.has_text ? keep(level.text) : std::string_view();
+    item = find_item({item, places.number_of(place), text, level.has_text});
+  }
+  return {item, find_look(read), read.range};
+}
+
+std::uint32_t INDEX::find_item(ITEM_NAME const& name) {
+  const auto [found, is_new] = item_numbers.try_emplace(name, static_cast<std::uint32_t>(items.size()));
+  if (is_new) {
+    const auto level = name.parent == ITEM::none ? 0 : items[name.parent].level + 1;
+    items.push_back({name.parent, name.place, name.text, name.has_text, static_cast<std::uint8_t>(level)});
+  }
+  return found->second;
+}
+
+std::uint32_t INDEX::find_look(KEY const& key) {
+  const std::uint32_t number = commands.number_of(keep(std::string(1, key.is_principal ? '*' : ' ') + key.command));
+  if (number == looks.size()) looks.push_back({key.command, key.is_principal, key.is_reference()});
+  return number;
+}
+
+std::uint32_t INDEX::find_page(std::string_view page, std::string_view key, LINE line) {
+  if (page.empty()) {
+    messages.warn(line, "the key `" + shown(key) + "' has no page");
+    return ENTRY::no_page;
+  }
+  const std::uint32_t number = page_names.number_of(page);
+  if (number == pages.size()) pages.push_back(read_page(page, style));
+  return number;
+}
+
+std::string INDEX::path_of(ITEM const& item) const {
+  std::string path(text_of(item));
+  for (std::uint32_t above = item.parent; above != ITEM::none; above = items[above].parent) {
+    path = std::string(text_of(items[above])) + '!' + path;
+  }
+  return path;
+}
+
+void INDEX::arrange(ORDER const& language, bool letter_order) {
+  const std::vector<RANKED_PLACE> ranked = rank_places(language);
+  std::array<std::vector<std::uint32_t>, 3> levels;
+  std::vector<std::uint32_t> positions(items.size());
+  for (std::size_t level = 0; level < levels.size(); ++level) {
+    levels[level] = sort_level(level, ranked, positions, letter_order);
+    for (std::uint32_t i = 0; i < levels[level].size(); ++i) positions[levels[level][i]] = i;
+  }
+  put_in_order(levels);
+  find_headings(language, ranked);
+  sort_entries();
+}
+
+std::vector<INDEX::RANKED_PLACE> INDEX::rank_places(ORDER const& language) const {
+  struct KEYED_PLACE {
+    std::uint64_t beginning; // of the key, which decides most comparisons
+    std::size_t key, key_size;
+    std::uint32_t number;
+  };
+  std::string all_keys;
+  std::vector<KEYED_PLACE> keyed;
+  keyed.reserve(places.texts.size());
+  for (std::uint32_t i = 0; i < places.texts.size(); ++i) {
+    const std::string key = language.sort_key(places.texts[i]);
+    std::uint64_t beginning = 0;
+    for (std::size_t b = 0; b < sizeof beginning; ++b) {
+      beginning = beginning << 8U | (b < key.size() ? static_cast<unsigned char>(key[b]) : 0U);
+    }
+    keyed.push_back({beginning, all_keys.size(), key.size(), i});
+    all_keys += key;
+  }
+  const auto key_of = [&](KEYED_PLACE const& place) {
+    return std::string_view(all_keys).substr(place.key, place.key_size);
+  };
+  std::ranges::sort(keyed, [&](KEYED_PLACE const& a, KEYED_PLACE const& b) {
+    return a.beginning != b.beginning ? a.beginning < b.beginning : key_of(a) < key_of(b);
+  });
+  std::vector<RANKED_PLACE> ranked(keyed.size());
+  std::uint32_t rank = 0;
+  for (std::size_t i = 0; i < keyed.size(); ++i) {
+    if (i > 0 && key_of(keyed[i]) != key_of(keyed[i - 1])) ++rank;
+    ranked[keyed[i].number] = {rank, ORDER::group_of(key_of(keyed[i]))};
+  }
+  return ranked;
+}
+
+/// The items of a level, those under the same item together, whose positions are known.
+std::vector<std::uint32_t> INDEX::sort_level(std::size_t level, std::vector<RANKED_PLACE> const& ranked,
+                                             std::vector<std::uint32_t> const& positions, bool letter_order) const {
+  struct PLACED_ITEM {
+    std::uint64_t place; // first that of the item above
+    std::uint32_t number;
+  };
+  std::vector<PLACED_ITEM> placed;
+  for (std::uint32_t i = 0; i < items.size(); ++i) {
+    if (items[i].level != level) continue;
+    const std::uint64_t above = level == 0 ? 0 : positions[items[i].parent];
+    placed.push_back({above << 32U | ranked[items[i].place].rank, i});
+  }
+  std::ranges::sort(placed, [&](PLACED_ITEM const& a, PLACED_ITEM const& b) {
+    if (a.place != b.place) return a.place < b.place;
+    ITEM const &first = items[a.number], &second = items[b.number];
+    const auto by_text = compare_texts(first.text, second.text, letter_order);
+    return by_text == 0 ? place_of(first) < place_of(second) : by_text < 0;
+  });
+  std::vector<std::uint32_t> sorted;
+  sorted.reserve(placed.size());
+  for (PLACED_ITEM const& item : placed) sorted.push_back(item.number);
+  return sorted;
+}
+
+void INDEX::put_in_order(std::array<std::vector<std::uint32_t>, 3> const& levels) {
+  std::array<std::size_t, 3> next = {};
+  order.reserve(items.size());
+  const auto put = [&](auto const& self, std::size_t level, std::uint32_t parent) -> void {
+    if (level == levels.size()) return;
+    std::vector<std::uint32_t> const& sorted = levels[level];
+    for (std::size_t& i = next[level]; i < sorted.size() && items[sorted[i]].parent == parent; ++i) {
+      order.push_back(sorted[i]);
+      self(self, level + 1, sorted[i]);
+    }
+  };
+  put(put, 0, ITEM::none);
+}
+
+void INDEX::find_headings(ORDER const& language, std::vector<RANKED_PLACE> const& ranked) {
+  std::vector<std::string_view> words;
+  std::vector<std::size_t> begins;
+  std::optional<GROUP> last;
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    ITEM const& item = items[order[i]];
+    if (item.level > 0) continue;
+    const GROUP group = ranked[item.place].group;
+    if (group == GROUP::WORDS) {
+      words.push_back(place_of(item));
+      begins.push_back(i);
+    } else if (group != last) {
+      headings.push_back({i, group, ""});
+    }
+    last = group;
+  }
+  for (HEADING const& heading : language.headings(words)) {
+    headings.push_back({begins[heading.begin], GROUP::WORDS, heading.letter});
+  }
+}
+
+void INDEX::sort_entries() {
+  rank_pages(pages);
+  std::vector<std::uint32_t> positions(items.size());
+  for (std::uint32_t i = 0; i < order.size(); ++i) positions[order[i]] = i;
+  const auto rank = [&](ENTRY const& entry) {
+    return entry.page == ENTRY::no_page ? entry.page : pages[entry.page].rank;
+  };
+  std::ranges::sort(entries, [&](ENTRY const& a, ENTRY const& b) {
+    if (a.item != b.item) return positions[a.item] < positions[b.item];
+    if (rank(a) != rank(b)) return rank(a) < rank(b);
+    return a.line < b.line;
+  });
+}

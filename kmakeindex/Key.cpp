@@ -1,0 +1,182 @@
+#include "kmakeindex/Key.h"
+
+#include <algorithm>
+
+#include "kmakeindex/Letters.h"
+#include "kmakeindex/Typed_key.h"
+
+namespace {
+
+constexpr std::size_t most_levels = 3;
+
+/// Takes a key in the syntax of makeindex apart.
+class KEY_READER {
+public:
+  KEY_READER(std::string_view of, KEY_SYNTAX const& with, COMPLAIN const& to)
+      : source(of), syntax(with), style(with.style), complain(to) {}
+
+  KEY read() {
+    read_level();
+    while (at < source.size() && source[at] == style.level) {
+      ++at;
+      read_level();
+    }
+    star_is_quoted = last_is_quoted;
+    if (at < source.size()) read_command();
+    take_star();
+    for (KEY::LEVEL& level : key.levels) finish(level);
+    return key;
+  }
+
+private:
+  std::string_view source;
+  KEY_SYNTAX const& syntax;
+  STYLE const& style;
+  COMPLAIN const& complain;
+  std::size_t at = 0;
+  KEY key;
+  bool last_is_quoted = false; ///< the last character of the field that was read last
+  bool star_is_quoted = false; ///< the last character before the command
+
+  bool is_at(char c) const { return at < source.size() && source[at] == c; }
+
+  /// The text up to a sign of the syntax that is not quoted, or in a command up to the end.
+  std::string read_field(bool is_command, bool is_text = false) {
+    std::string field;
+    bool is_escaped = false;
+    last_is_quoted = false;
+    for (; at < source.size(); ++at) {
+      const char c = source[at];
+      last_is_quoted = c == style.quote && !is_escaped && at + 1 < source.size();
+      is_escaped = c == style.escape && !is_escaped;
+      if (last_is_quoted) {
+        field += source[++at];
+        continue;
+      }
+      if (!is_command && (c == style.level || c == style.encap)) break;
+      if (!is_command && c == style.actual) {
+        if (!is_text) break;
+        complain("has a second " + std::string(1, c) + ", which is part of the text");
+      }
+      field += c;
+    }
+    return syntax.compresses_blanks ? compress_blanks(field) : field;
+  }
+
+  static std::string compress_blanks(std::string_view field) {
+    std::string compressed;
+    for (const char c : field) {
+      const bool is_blank = c == ' ' || c == '\t';
+      if (!is_blank) compressed += c;
+      if (is_blank && !compressed.empty() && compressed.back() != ' ') compressed += ' ';
+    }
+    if (compressed.ends_with(' ')) compressed.pop_back();
+    return compressed;
+  }
+
+  void read_level() {
+    KEY::LEVEL level = {read_field(false), "", is_at(style.actual)};
+    if (level.has_text) {
+      ++at;
+      level.text = read_field(false, true);
+    }
+    if (level.text.empty()) {
+      if (level.has_text) complain("has no text after " + std::string(1, style.actual));
+      level.text = level.place;
+      level.has_text = false;
+    } else if (level.place.empty()) {
+      complain("has no text before " + std::string(1, style.actual));
+      level.place = level.text;
+    }
+    add(level);
+  }
+
+  void add(KEY::LEVEL const& level) {
+    if (level.text.empty()) {
+      complain("has an empty level");
+    } else if (key.levels.size() < most_levels) {
+      key.levels.push_back(level);
+    } else {
+      complain("has more than three levels");
+      KEY::LEVEL& last = key.levels.back();
+      last.place += ", " + level.place;
+      last.text += ", " + level.text;
+      last.has_text = last.has_text || level.has_text;
+    }
+  }
+
+  /// A star counts at the end of what is before the command.
+  void take_star() {
+    if (!syntax.star_is_principal || key.levels.empty() || star_is_quoted) return;
+    KEY::LEVEL& last = key.levels.back();
+    if (!last.text.ends_with('*') || last.text == "*") return;
+    key.is_principal = true;
+    last.text.pop_back();
+    if (!last.has_text) last.place.pop_back();
+  }
+
+  void read_command() {
+    ++at;
+    if (is_at(style.range_open)) key.range = KEY::RANGE::BEGIN;
+    if (is_at(style.range_close)) key.range = KEY::RANGE::END;
+    if (key.range != KEY::RANGE::NONE) ++at;
+    key.command = read_field(true);
+    if (has_unmatched_braces(key.command)) {
+      complain("has braces that do not match in its command");
+      key.command.clear();
+    }
+  }
+
+  void finish(KEY::LEVEL& level) const {
+    const bool is_same = !level.has_text;
+    level.text = with_matched_braces(level.text, complain);
+    if (is_same && level.text != level.place) level.has_text = true;
+  }
+};
+
+KEY read_typed_key(std::string_view source, KEY_SYNTAX const& syntax, COMPLAIN const& complain) {
+  KEY key;
+  std::string typed = as_typed(source);
+  key.is_principal = syntax.star_is_principal && typed.size() > 1 && typed.ends_with('*');
+  if (key.is_principal) typed = as_typed(typed.substr(0, typed.size() - 1));
+  if (typed.empty()) {
+    complain("is empty");
+    return key;
+  }
+  key.levels.push_back({trim(typed, " ~"), as_latex(typed, complain), true});
+  return key;
+}
+
+} // namespace
+
+bool KEY::is_reference() const {
+  std::string_view rest = command;
+  for (std::string_view const prefix : {"hyperindexformat{\\", "see", "also"}) {
+    if (rest.starts_with(prefix))
+      rest.remove_prefix(prefix.size());
+    else if (prefix == "see")
+      return false;
+  }
+  return rest.substr(skip_blanks(rest, 0)).starts_with('{');
+}
+
+bool KEY_SYNTAX::is_plain(std::string_view key) const {
+  const char signs[] = {style.level, style.actual, style.encap, style.quote, style.escape, '\0'};
+  if (key.find_first_of(is_typed ? "\\{}$_&%#^|\"<>~" : "\\{}") != key.npos) return false;
+  if (!is_typed && key.find_first_of(signs) != key.npos) return false;
+  if (key.empty() || (star_is_principal && key.back() == '*')) return false;
+  if (!is_typed && !compresses_blanks) return true;
+  return key.front() != ' ' && key.back() != ' ' && key.find('\t') == key.npos && key.find("  ") == key.npos;
+}
+
+KEY read_key(std::string_view key, KEY_SYNTAX const& syntax, COMPLAIN const& complain) {
+  return syntax.is_typed ? read_typed_key(key, syntax, complain) : KEY_READER(key, syntax, complain).read();
+}
+
+std::string target_of_reference(std::string_view command) {
+  const std::size_t begin = command.rfind("see");
+  const std::size_t open = command.find('{', begin);
+  std::string target(command.substr(open + 1));
+  target.resize(std::min(target.rfind('}'), target.size()));
+  return target;
+}

@@ -1,0 +1,238 @@
+#include "kmakeindex/Order.h"
+
+#include <unicode/alphaindex.h>
+#include <unicode/coll.h>
+#include <unicode/locid.h>
+#include <unicode/uchar.h>
+#include <unicode/uloc.h>
+#include <unicode/uscript.h>
+#include <unicode/ustring.h>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+#include "kmakeindex/Letters.h"
+#include "kmakeindex/Messages.h"
+
+using icu::AlphabeticIndex;
+using icu::Collator;
+using icu::Locale;
+using icu::UnicodeString;
+
+namespace {
+
+/// What a sort key begins with.
+enum CLASS : char { SYMBOL = 1, MIXED_NUMBER, NUMBER, WORD };
+
+/// Where headings come from for scripts other than the language's.
+constexpr std::pair<UScriptCode, char const*> alphabets[] = {
+    {USCRIPT_LATIN, "en"},      {USCRIPT_GREEK, "el"},    {USCRIPT_CYRILLIC, "ru"}, {USCRIPT_GEORGIAN, "ka"},
+    {USCRIPT_ARMENIAN, "hy"},   {USCRIPT_HEBREW, "he"},   {USCRIPT_ARABIC, "ar"},   {USCRIPT_ETHIOPIC, "am"},
+    {USCRIPT_DEVANAGARI, "hi"}, {USCRIPT_BENGALI, "bn"},  {USCRIPT_TAMIL, "ta"},    {USCRIPT_THAI, "th"},
+    {USCRIPT_HANGUL, "ko"},     {USCRIPT_HIRAGANA, "ja"},
+};
+
+void check(UErrorCode status) {
+  if (U_FAILURE(status)) throw FAILURE(std::string("ICU: ") + u_errorName(status));
+}
+
+bool is_ascii_digit(char c) { return '0' <= c && c <= '9'; }
+
+UnicodeString to_unicode(std::string_view text) {
+  if (is_utf8(text)) return UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
+  UnicodeString result;
+  for (const char c : text) result.append(static_cast<UChar>(static_cast<unsigned char>(c)));
+  return result;
+}
+
+std::string to_utf8(UnicodeString const& text) {
+  std::string result;
+  return text.toUTF8String(result);
+}
+
+/// The locale of a language tag or of a name in ICU's form; a bogus one if it is neither.
+Locale parse_language(std::string const& language) {
+  if (language.find_first_of("@_") != std::string::npos) return Locale::createCanonical(language.c_str());
+  char name[ULOC_FULLNAME_CAPACITY] = "";
+  std::int32_t parsed = 0;
+  UErrorCode status = U_ZERO_ERROR;
+  uloc_forLanguageTag(language.c_str(), name, sizeof name, &parsed, &status);
+  Locale locale(name);
+  if (U_FAILURE(status) || static_cast<std::size_t>(parsed) != language.size()) locale.setToBogus();
+  return locale;
+}
+
+bool has_collation(Locale const& locale) {
+  UErrorCode status = U_ZERO_ERROR;
+  const auto wanted = locale.getKeywordValue<std::string>("collation", status);
+  if (U_FAILURE(status) || wanted.empty()) return true;
+  const std::unique_ptr<icu::StringEnumeration> known(
+      Collator::getKeywordValuesForLocale("collation", locale, false, status));
+  check(status);
+  while (char const* const value = known->next(nullptr, status)) {
+    if (value == wanted) return true;
+  }
+  return false;
+}
+
+/// Throws a FAILURE unless ICU knows the language: it would fall back in silence.
+Locale find_language(std::string const& language) {
+  const Locale locale = parse_language(language);
+  const auto is_known = [&] {
+    for (char const* const* code = Locale::getISOLanguages(); *code != nullptr; ++code) {
+      if (std::strcmp(*code, locale.getLanguage()) == 0) return true;
+    }
+    return false;
+  };
+  if (locale.isBogus() || !is_known() || !has_collation(locale)) throw FAILURE("there is no language " + language);
+  return locale;
+}
+
+std::unique_ptr<AlphabeticIndex::ImmutableIndex> make_headings(Locale const& locale) {
+  UErrorCode status = U_ZERO_ERROR;
+  AlphabeticIndex index(locale, status);
+  index.setMaxLabelCount(10'000, status); // all: otherwise it leaves out some
+  check(status);
+  std::array<UScriptCode, 8> own = {};
+  const std::int32_t count = uscript_getCode(locale.getName(), own.data(), own.size(), &status);
+  const auto own_end = own.begin() + (U_FAILURE(status) ? 0 : count);
+  status = U_ZERO_ERROR;
+  for (auto const& [script, language] : alphabets) {
+    if (std::find(own.begin(), own_end, script) == own_end) index.addLabels(Locale(language), status);
+  }
+  std::unique_ptr<AlphabeticIndex::ImmutableIndex> made(index.buildImmutableIndex(status));
+  check(status);
+  return made;
+}
+
+/// The class of a place; a number has digits alone.
+CLASS classify(std::string_view place, UnicodeString const& text) {
+  if (is_ascii_digit(place[0])) return std::ranges::all_of(place, is_ascii_digit) ? NUMBER : MIXED_NUMBER;
+  return u_isalpha(text.char32At(0)) != 0 ? WORD : SYMBOL;
+}
+
+/// Digits in the order of their value: how many there are comes first.
+std::string number_key(std::string_view digits) {
+  digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
+  std::string key;
+  for (int shift = 24; shift >= 0; shift -= 8) key += static_cast<char>(digits.size() >> static_cast<unsigned>(shift));
+  return key.append(digits);
+}
+
+} // namespace
+
+struct ORDER::ICU {
+  std::unique_ptr<Collator> collator;
+  std::unique_ptr<AlphabeticIndex::ImmutableIndex> index;
+  bool has_language;
+  bool letter_order;
+
+  /// What of a place is compared.
+  UnicodeString text_of(std::string_view place) const {
+    std::string letters = as_letters(place);
+    if (letter_order && !letters.empty() && !is_ascii_digit(letters[0])) std::erase(letters, ' ');
+    return to_unicode(letters);
+  }
+
+  /// The number of the heading that a word is under.
+  std::int32_t heading_of(std::string_view word) const {
+    UErrorCode status = U_ZERO_ERROR;
+    return index->getBucketIndex(text_of(word), status);
+  }
+
+  /// The heading of a word: a letter of an alphabet, or else that which it begins with.
+  std::string letter_of(std::string_view word) const {
+    auto const* const bucket = index->getBucket(heading_of(word));
+    if (bucket != nullptr && bucket->getLabelType() == U_ALPHAINDEX_NORMAL) return to_utf8(bucket->getLabel());
+    return to_utf8(UnicodeString(text_of(word).char32At(0)).toUpper());
+  }
+};
+
+ORDER::ORDER(std::string const& language, bool letter_order) : icu(std::make_unique<ICU>()) {
+  icu->has_language = !language.empty() && language != "und" && language != "root";
+  icu->letter_order = letter_order;
+  const Locale locale = icu->has_language ? find_language(language) : Locale::getEnglish();
+  UErrorCode status = U_ZERO_ERROR;
+  icu->collator.reset(Collator::createInstance(locale, status));
+  check(status);
+  if (!icu->has_language) {
+    icu->collator->setAttribute(UCOL_CASE_FIRST, UCOL_UPPER_FIRST, status);
+    if (letter_order) icu->collator->setStrength(Collator::SECONDARY);
+  }
+  icu->index = make_headings(locale);
+}
+
+ORDER::~ORDER() = default;
+
+std::string ORDER::sort_key(std::string_view place) const {
+  const UnicodeString text = icu->text_of(place);
+  const CLASS kind = classify(place, text);
+  std::string key(1, kind);
+  if (kind == NUMBER) return key += number_key(place);
+  if (kind == MIXED_NUMBER) return key.append(place);
+  std::array<std::uint8_t, 512> buffer;
+  const std::int32_t size = icu->collator->getSortKey(text, buffer.data(), static_cast<std::int32_t>(buffer.size()));
+  if (static_cast<std::size_t>(size) <= buffer.size()) {
+    key.append(reinterpret_cast<char const*>(buffer.data()), static_cast<std::size_t>(size));
+  } else {
+    key.resize(static_cast<std::size_t>(size) + 1);
+    icu->collator->getSortKey(text, reinterpret_cast<std::uint8_t*>(key.data() + 1), size);
+  }
+  if (icu->letter_order) key.append(place); // without a language, it tells capitals apart, too, as strcmp does
+  return key;
+}
+
+GROUP ORDER::group_of(std::string_view sort_key) {
+  switch (sort_key[0]) {
+  case NUMBER: return GROUP::NUMBERS;
+  case WORD: return GROUP::WORDS;
+  default: return GROUP::SYMBOLS;
+  }
+}
+
+std::vector<HEADING> ORDER::headings(std::vector<std::string_view> const& words) const {
+  std::vector<HEADING> found;
+  for (auto word = words.begin(); word != words.end();) {
+    const std::string letter = icu->letter_of(*word);
+    if (found.empty() || found.back().letter != letter) {
+      found.push_back({static_cast<std::size_t>(word - words.begin()), GROUP::WORDS, letter});
+    }
+    const std::int32_t heading = icu->heading_of(*word);
+    auto const* const bucket = icu->index->getBucket(heading);
+    if (bucket == nullptr || bucket->getLabelType() != U_ALPHAINDEX_NORMAL) {
+      ++word;
+    } else {
+      word = std::partition_point(word + 1, words.end(), [&](auto w) { return icu->heading_of(w) == heading; });
+    }
+  }
+  return found;
+}
+
+std::string letters_and_digits(std::string_view text) {
+  std::string visible;
+  const std::string letters = as_letters(text);
+  for (std::size_t i = 0; i < letters.size();) {
+    if (letters[i] == '\\') {
+      i = end_of_command(letters, i);
+    } else {
+      visible += letters[i++];
+    }
+  }
+  const UnicodeString folded = to_unicode(visible).foldCase();
+  UnicodeString kept;
+  for (std::int32_t i = 0; i < folded.length(); i = folded.moveIndex32(i, 1)) {
+    if (u_isalnum(folded.char32At(i)) != 0) kept.append(folded.char32At(i));
+  }
+  return to_utf8(kept);
+}
+
+std::string lower_case(std::string const& text) { return to_utf8(UnicodeString::fromUTF8(text).toLower()); }
+
+bool is_utf8(std::string_view text) {
+  if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80U; })) return true;
+  UErrorCode status = U_ZERO_ERROR;
+  u_strFromUTF8(nullptr, 0, nullptr, text.data(), static_cast<std::int32_t>(text.size()), &status);
+  return status != U_INVALID_CHAR_FOUND;
+}

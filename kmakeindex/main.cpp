@@ -1,0 +1,183 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <deque>
+#include <exception>
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <new>
+#include <set>
+
+#include "kmakeindex/Files.h"
+#include "kmakeindex/Index.h"
+#include "kmakeindex/Options.h"
+#include "kmakeindex/Output.h"
+#include "kmakeindex/Raw_index.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// One run, in the order of the data.
+class RUN {
+public:
+  explicit RUN(OPTIONS const& of) : options(of) {}
+
+  void make_indexes() {
+    if (!options.transcript.empty()) messages.open_transcript(options.transcript);
+    read_raw_indexes();
+    choose_style();
+    const ORDER language = choose_language();
+    read_all_entries();
+    const std::string page = first_page();
+    std::map<std::string, std::string> texts; // by the names of the files: all are made before the first is written
+    for (auto& [name, index] : indexes) {
+      index.arrange(language, options.letter_order);
+      items += index.items.size();
+      entries += index.entries.size();
+      texts[path_of_index(name)] = digest_line() + OUTPUT(index, style, options.makes_ranges, messages).write(page);
+    }
+    for (auto const& [path, text] : texts) write_index(path, text);
+    messages.tell(summary(), options.quiet);
+  }
+
+private:
+  OPTIONS const& options;
+  MESSAGES messages;
+  std::deque<RAW_INDEX> raw_indexes;
+  std::string base; ///< the first raw index without its .idx; empty: standard input
+  STYLE style;
+  std::optional<RAW_INDEX::PACKAGE_LINE> package_line; ///< of the first raw index
+  std::map<std::string, INDEX, std::less<>> indexes;   ///< by their names
+  std::set<std::string, std::less<>> left_out;         ///< names of indexes that are told
+  std::size_t items = 0, entries = 0;
+
+  void read_raw_indexes() {
+    for (std::string const& name : options.names) {
+      const std::string path = is_file(name) ? name : name + ".idx";
+      if (&name == &options.names.front()) base = is_file(name) ? fs::path(name).replace_extension().string() : name;
+      raw_indexes.push_back({path, read_file(path)});
+    }
+    if (options.reads_input) raw_indexes.push_back({"standard input", read_input()});
+    package_line = raw_indexes.front().package_line();
+  }
+
+  void choose_style() {
+    if (package_line) style = package_style();
+    std::vector<std::string> names = options.styles;
+    if (names.empty() && options.names.size() == 1 && is_file(base + ".mst")) names.push_back(base + ".mst");
+    if (!names.empty()) style.page_precedence = STYLE::page_precedence_of_files;
+    for (std::string const& name : names) read_style(name, style, messages);
+  }
+
+  ORDER choose_language() {
+    if (options.language) return {*options.language, options.letter_order};
+    if (!style.icu_locale.empty()) return {style.icu_locale, options.letter_order};
+    const std::string language = package_line ? package_line->language : "";
+    try {
+      return {language, options.letter_order};
+    } catch (FAILURE const& failure) {
+      messages.warn(raw_indexes.front().name, 1, failure.what());
+      return {"", options.letter_order};
+    }
+  }
+
+  void read_all_entries() {
+    LINE line = 1;
+    for (RAW_INDEX const& raw : raw_indexes) {
+      messages.add_file(raw.name, line);
+      const auto said = raw.package_line();
+      KEY_SYNTAX syntax = {style};
+      syntax.is_typed = said && said->typed_keys ? *said->typed_keys : options.typed_keys;
+      syntax.star_is_principal = said || options.typed_keys;
+      syntax.compresses_blanks = options.compresses_blanks;
+      line += read_entries(raw, line, style, messages, [&](RAW_ENTRY const& entry, LINE at) {
+        if (INDEX* const index = find_index(entry.index_name, at)) index->add(entry.key, entry.page, at, syntax);
+      });
+    }
+    if (indexes.empty()) indexes.try_emplace("", style, messages);
+  }
+
+  /// Null, which is told once, if there can be no index of that name.
+  INDEX* find_index(std::string_view name, LINE line) {
+    const auto found = indexes.find(name);
+    if (found != indexes.end()) return &found->second;
+    const bool has_no_file = base.empty() && options.index.empty() && !name.empty();
+    if (!has_no_file && name.find('/') == name.npos) {
+      return &indexes.try_emplace(std::string(name), style, messages).first->second;
+    }
+    if (left_out.emplace(name).second) {
+      messages.warn(line, "the index " + std::string(name) + " is left out: there is no file of that name");
+    }
+    return nullptr;
+  }
+
+  /// The path of the file of an index; empty for standard output.
+  std::string path_of_index(std::string const& name) const {
+    if (options.index.empty()) {
+      if (options.reads_input) return "";
+      return base + (name.empty() ? "" : '-' + name) + ".ind";
+    }
+    if (name.empty()) return options.index;
+    const fs::path path(options.index);
+    return fs::path(path).replace_extension().string() + '-' + name + path.extension().string();
+  }
+
+  void write_index(std::string const& path, std::string const& text) const {
+    std::error_code unknown;
+    for (RAW_INDEX const& raw : raw_indexes) {
+      if (fs::equivalent(path, raw.name, unknown)) throw FAILURE("cannot write " + path + ": it is the raw index");
+    }
+    write_file(path.empty() ? "/dev/stdout" : path, text);
+  }
+
+  std::string digest_line() const {
+    return package_line ? "% kindex digest=" + raw_indexes.front().digest() + '\n' : "";
+  }
+
+  /// The number of the page that the index begins on: as the command line says, or after the last page in the log.
+  std::string first_page() const {
+    std::string const& wanted = options.first_page;
+    if (wanted != "any" && wanted != "odd" && wanted != "even") return wanted;
+    const std::string path = base + ".log";
+    if (!is_file(path)) return "";
+    const std::string log = read_file(path);
+    const auto is_digit = [](char c) { return '0' <= c && c <= '9'; };
+    std::size_t at = log.rfind('[');
+    while (at != log.npos && (at + 1 == log.size() || !is_digit(log[at + 1])))
+      at = at == 0 ? log.npos : log.rfind('[', at - 1);
+    if (at == log.npos) return "";
+    const long page = std::strtol(log.c_str() + at + 1, nullptr, 10) + 1;
+    const bool is_next = wanted == "any" || (page % 2 != 0) == (wanted == "odd");
+    return std::to_string(is_next ? page : page + 1);
+  }
+
+  std::string summary() const {
+    const auto count = [](std::size_t n, std::string const& one, std::string const& many) {
+      return std::to_string(n) + ' ' + (n == 1 ? one : many);
+    };
+    return "kmakeindex: " + count(entries, "entry", "entries") + ", " + count(items, "item", "items") + ", " +
+           count(static_cast<std::size_t>(messages.warnings), "warning", "warnings");
+  }
+};
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+  for (int file = 0; file >= 0 && file <= 2;) file = open("/dev/null", O_RDWR | O_CLOEXEC);
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
+  try {
+    const OPTIONS options = read_options(argc, argv);
+    RUN(options).make_indexes();
+    return 0;
+  } catch (std::bad_alloc const&) {
+    std::cerr << "kmakeindex: out of memory\n";
+  } catch (std::exception const& error) {
+    std::cerr << "kmakeindex: " << error.what() << '\n';
+  }
+  return 1;
+}

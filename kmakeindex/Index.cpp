@@ -4,6 +4,7 @@
 #include <cctype>
 #include <functional>
 #include <optional>
+#include <utility>
 
 #include "kmakeindex/Typed_key.h"
 
@@ -56,18 +57,19 @@ std::size_t INDEX::HASH::operator()(ITEM_NAME const& name) const {
 }
 
 void INDEX::add(std::string_view key, std::string_view page, LINE line, KEY_SYNTAX const& syntax) {
-  SYNTAX_KEYS& known = keys[syntax.is_typed ? 1 : 0];
-  const std::uint32_t number = known.texts.number_of(key);
-  if (number == known.uses.size()) known.uses.push_back(use_key(key, line, syntax));
-  const KEY_USE use = known.uses[number];
+  const KEY_USE use = syntax.is_plain(key) ? KEY_USE{find_item({ITEM::none, places.number_of(key), {}, false}), 0, {}}
+                                           : find_key(key, line, syntax);
   if (use.item != ITEM::none) entries.push_back({use.item, find_page(page, key, line), use.look, line, use.range});
 }
 
+INDEX::KEY_USE INDEX::find_key(std::string_view key, LINE line, KEY_SYNTAX const& syntax) {
+  SYNTAX_KEYS& known = keys[syntax.is_typed ? 1 : 0];
+  const std::uint32_t number = known.texts.number_of(key);
+  if (number == known.uses.size()) known.uses.push_back(use_key(key, line, syntax));
+  return known.uses[number];
+}
+
 INDEX::KEY_USE INDEX::use_key(std::string_view key, LINE line, KEY_SYNTAX const& syntax) {
-  if (syntax.is_plain(key)) {
-    const std::uint32_t place = places.number_of(key);
-    return {find_item({ITEM::none, place, {}, false}), 0, KEY::RANGE::NONE};
-  }
   const KEY read = read_key(key, syntax, [&](std::string_view what) {
     messages.warn(line, "the key `" + shown(key) + "' " + std::string(what));
   });
@@ -81,12 +83,21 @@ INDEX::KEY_USE INDEX::use_key(std::string_view key, LINE line, KEY_SYNTAX const&
 }
 
 std::uint32_t INDEX::find_item(ITEM_NAME const& name) {
-  const auto [found, is_new] = item_numbers.try_emplace(name, static_cast<std::uint32_t>(items.size()));
-  if (is_new) {
-    const auto level = name.parent == ITEM::none ? 0 : items[name.parent].level + 1;
-    items.push_back({name.parent, name.place, name.text, name.has_text, static_cast<std::uint8_t>(level)});
+  if (name.parent == ITEM::none && !name.has_text) {
+    if (name.place >= plain_items.size()) plain_items.resize(places.texts.size(), ITEM::none);
+    std::uint32_t& number = plain_items[name.place];
+    if (number == ITEM::none) number = add_item(name);
+    return number;
   }
+  const auto [found, is_new] = other_items.try_emplace(name, 0);
+  if (is_new) found->second = add_item(name);
   return found->second;
+}
+
+std::uint32_t INDEX::add_item(ITEM_NAME const& name) {
+  const auto level = name.parent == ITEM::none ? 0 : items[name.parent].level + 1;
+  items.push_back({name.parent, name.place, name.text, name.has_text, static_cast<std::uint8_t>(level)});
+  return static_cast<std::uint32_t>(items.size() - 1);
 }
 
 std::uint32_t INDEX::find_look(KEY const& key) {
@@ -136,13 +147,14 @@ std::vector<INDEX::RANKED_PLACE> INDEX::rank_places(ORDER const& language) const
   std::vector<KEYED_PLACE> keyed;
   keyed.reserve(places.texts.size());
   for (std::uint32_t i = 0; i < places.texts.size(); ++i) {
-    const std::string key = language.sort_key(places.texts[i]);
+    const std::size_t begin = all_keys.size();
+    language.append_sort_key(places.texts[i], all_keys);
+    const std::size_t size = all_keys.size() - begin;
     std::uint64_t beginning = 0;
     for (std::size_t b = 0; b < sizeof beginning; ++b) {
-      beginning = beginning << 8U | (b < key.size() ? static_cast<unsigned char>(key[b]) : 0U);
+      beginning = beginning << 8U | (b < size ? static_cast<unsigned char>(all_keys[begin + b]) : 0U);
     }
-    keyed.push_back({beginning, all_keys.size(), key.size(), i});
-    all_keys += key;
+    keyed.push_back({beginning, begin, size, i});
   }
   const auto key_of = [&](KEYED_PLACE const& place) {
     return std::string_view(all_keys).substr(place.key, place.key_size);
@@ -219,16 +231,22 @@ void INDEX::find_headings(ORDER const& language, std::vector<RANKED_PLACE> const
   }
 }
 
+/// First by their items, then, among the few of each, by their pages.
 void INDEX::sort_entries() {
   rank_pages(pages);
-  std::vector<std::uint32_t> positions(items.size());
-  for (std::uint32_t i = 0; i < order.size(); ++i) positions[order[i]] = i;
+  std::vector<std::uint32_t> ends(items.size() + 1); // by items; at first, where the entries of each begin
+  for (ENTRY const& entry : entries) ++ends[entry.item];
+  std::uint32_t begin = 0;
+  for (const std::uint32_t item : order) begin += std::exchange(ends[item], begin);
+  std::vector<ENTRY> sorted(entries.size());
+  for (ENTRY const& entry : entries) sorted[ends[entry.item]++] = entry;
+  entries = std::move(sorted);
   const auto rank = [&](ENTRY const& entry) {
     return entry.page == ENTRY::no_page ? entry.page : pages[entry.page].rank;
   };
-  std::ranges::sort(entries, [&](ENTRY const& a, ENTRY const& b) {
-    if (a.item != b.item) return positions[a.item] < positions[b.item];
-    if (rank(a) != rank(b)) return rank(a) < rank(b);
-    return a.line < b.line;
-  });
+  for (auto first = entries.begin(); first != entries.end();) {
+    const auto last = entries.begin() + ends[first->item];
+    std::stable_sort(first, last, [&](ENTRY const& a, ENTRY const& b) { return rank(a) < rank(b); });
+    first = last;
+  }
 }

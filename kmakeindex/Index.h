@@ -114,11 +114,14 @@ private:
   std::deque<std::string> made_texts; ///< those that do not stand in the raw index
   std::array<SYNTAX_KEYS, 2> keys;    ///< in the syntax of makeindex, and typed
   NUMBERED_TEXTS places, page_names, commands;
-  std::unordered_map<ITEM_NAME, std::uint32_t, HASH> item_numbers;
+  std::vector<std::uint32_t> plain_items; ///< those without a text and a parent, by their places
+  std::unordered_map<ITEM_NAME, std::uint32_t, HASH> other_items;
 
   std::string_view keep(std::string const& text) { return made_texts.emplace_back(text); }
+  KEY_USE find_key(std::string_view key, LINE line, KEY_SYNTAX const& syntax);
   KEY_USE use_key(std::string_view key, LINE line, KEY_SYNTAX const& syntax);
   std::uint32_t find_item(ITEM_NAME const& name);
+  std::uint32_t add_item(ITEM_NAME const& name);
   std::uint32_t find_look(KEY const& key);
   std::uint32_t find_page(std::string_view page, std::string_view key, LINE line);
   std::vector<RANKED_PLACE> rank_places(ORDER const& language) const;

@@ -160,13 +160,23 @@ bool KEY::is_reference() const {
   return rest.substr(skip_blanks(rest, 0)).starts_with('{');
 }
 
+KEY_SYNTAX::KEY_SYNTAX(STYLE const& with, bool typed, bool with_stars, bool compressing)
+    : style(with), is_typed(typed), star_is_principal(with_stars), compresses_blanks(compressing) {
+  const std::string in_typed_keys = "\\{}$_&%#^|\"<>~*\t";
+  const std::string in_others = {'\\',        '{',          '}',         '*',         '\t',
+                                 style.level, style.actual, style.encap, style.quote, style.escape};
+  for (const char c : typed ? in_typed_keys : in_others) has_meaning[static_cast<unsigned char>(c)] = true;
+}
+
 bool KEY_SYNTAX::is_plain(std::string_view key) const {
-  const char signs[] = {style.level, style.actual, style.encap, style.quote, style.escape, '\0'};
-  if (key.find_first_of(is_typed ? "\\{}$_&%#^|\"<>~" : "\\{}") != key.npos) return false;
-  if (!is_typed && key.find_first_of(signs) != key.npos) return false;
-  if (key.empty() || (star_is_principal && key.back() == '*')) return false;
-  if (!is_typed && !compresses_blanks) return true;
-  return key.front() != ' ' && key.back() != ' ' && key.find('\t') == key.npos && key.find("  ") == key.npos;
+  if (key.empty()) return false;
+  const bool has_blanks = !is_typed && !compresses_blanks;
+  bool after_blank = true;
+  for (const char c : key) {
+    if (has_meaning[static_cast<unsigned char>(c)] || (c == ' ' && after_blank && !has_blanks)) return false;
+    after_blank = c == ' ';
+  }
+  return !after_blank || has_blanks;
 }
 
 KEY read_key(std::string_view key, KEY_SYNTAX const& syntax, COMPLAIN const& complain) {

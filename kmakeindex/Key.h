@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -32,12 +33,17 @@ using COMPLAIN = std::function<void(std::string_view what)>;
 /// How keys are to be read.
 struct KEY_SYNTAX {
   STYLE const& style;
-  bool is_typed = false;         ///< a key is one item, printed as it was typed
-  bool star_is_principal = true; ///< at the end of a key
-  bool compresses_blanks = false;
+  bool is_typed;          ///< a key is one item, printed as it was typed
+  bool star_is_principal; ///< at the end of a key
+  bool compresses_blanks;
+
+  KEY_SYNTAX(STYLE const& with, bool typed, bool with_stars, bool compressing);
 
   /// Whether the key is its only level, place and text, since it has nothing that means anything.
   bool is_plain(std::string_view key) const;
+
+private:
+  std::array<bool, 256> has_meaning = {}; ///< by character
 };
 
 KEY read_key(std::string_view key, KEY_SYNTAX const& syntax, COMPLAIN const& complain);

@@ -119,7 +119,4 @@ std::size_t skip_blanks(std::string_view text, std::size_t at) {
   return std::min(text.find_first_not_of(' ', at), text.size());
 }
 
-std::string as_letters(std::string_view text) {
-  if (text.find_first_of("\\~") == std::string_view::npos) return std::string(text);
-  return READER(text).read();
-}
+std::string as_letters(std::string_view text) { return READER(text).read(); }

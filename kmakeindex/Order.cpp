@@ -114,11 +114,10 @@ CLASS classify(std::string_view place, UnicodeString const& text) {
 }
 
 /// Digits in the order of their value: how many there are comes first.
-std::string number_key(std::string_view digits) {
+void append_number_key(std::string_view digits, std::string& keys) {
   digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
-  std::string key;
-  for (int shift = 24; shift >= 0; shift -= 8) key += static_cast<char>(digits.size() >> static_cast<unsigned>(shift));
-  return key.append(digits);
+  for (int shift = 24; shift >= 0; shift -= 8) keys += static_cast<char>(digits.size() >> static_cast<unsigned>(shift));
+  keys += digits;
 }
 
 } // namespace
@@ -131,9 +130,22 @@ struct ORDER::ICU {
 
   /// What of a place is compared.
   UnicodeString text_of(std::string_view place) const {
+    if (!letter_order && place.find('\\') == place.npos && place.find('~') == place.npos) return to_unicode(place);
     std::string letters = as_letters(place);
     if (letter_order && !letters.empty() && !is_ascii_digit(letters[0])) std::erase(letters, ' ');
     return to_unicode(letters);
+  }
+
+  void append_collation_key(UnicodeString const& text, std::string& keys) const {
+    const std::size_t begin = keys.size();
+    std::int32_t capacity = 4 * text.length() + 16;
+    for (std::int32_t size = 0;; capacity = size) {
+      keys.resize(begin + static_cast<std::size_t>(capacity));
+      size = collator->getSortKey(text, reinterpret_cast<std::uint8_t*>(&keys[begin]), capacity);
+      if (size > capacity) continue;
+      keys.resize(begin + static_cast<std::size_t>(size));
+      return;
+    }
   }
 
   /// The number of the heading that a word is under.
@@ -166,22 +178,18 @@ ORDER::ORDER(std::string const& language, bool letter_order) : icu(std::make_uni
 
 ORDER::~ORDER() = default;
 
-std::string ORDER::sort_key(std::string_view place) const {
+void ORDER::append_sort_key(std::string_view place, std::string& keys) const {
   const UnicodeString text = icu->text_of(place);
   const CLASS kind = classify(place, text);
-  std::string key(1, kind);
-  if (kind == NUMBER) return key += number_key(place);
-  if (kind == MIXED_NUMBER) return key.append(place);
-  std::array<std::uint8_t, 512> buffer;
-  const std::int32_t size = icu->collator->getSortKey(text, buffer.data(), static_cast<std::int32_t>(buffer.size()));
-  if (static_cast<std::size_t>(size) <= buffer.size()) {
-    key.append(reinterpret_cast<char const*>(buffer.data()), static_cast<std::size_t>(size));
+  keys += kind;
+  if (kind == NUMBER) {
+    append_number_key(place, keys);
+  } else if (kind == MIXED_NUMBER) {
+    keys += place;
   } else {
-    key.resize(static_cast<std::size_t>(size) + 1);
-    icu->collator->getSortKey(text, reinterpret_cast<std::uint8_t*>(key.data() + 1), size);
+    icu->append_collation_key(text, keys);
+    if (icu->letter_order) keys += place; // without a language, it tells capitals apart, too, as strcmp does
   }
-  if (icu->letter_order) key.append(place); // without a language, it tells capitals apart, too, as strcmp does
-  return key;
 }
 
 GROUP ORDER::group_of(std::string_view sort_key) {

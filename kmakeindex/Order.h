@@ -23,8 +23,8 @@ public:
   ORDER(std::string const& language, bool letter_order);
   ~ORDER();
 
-  /// What is to be compared, byte by byte. Keys of places of equal strength are equal.
-  std::string sort_key(std::string_view place) const;
+  /// Appends what is to be compared, byte by byte. Keys of places of equal strength are equal.
+  void append_sort_key(std::string_view place, std::string& keys) const;
 
   static GROUP group_of(std::string_view sort_key);
 

@@ -24,6 +24,10 @@ public:
       : index(of), style(with), makes_ranges(with_ranges), messages(to) {}
 
   PAGE_LIST list(std::span<ENTRY const> entries) {
+    ENTRY const& only = entries.front();
+    if (entries.size() == 1 && only.page != ENTRY::no_page && only.range == RANGE::NONE) { // as most items have it
+      return {{{&index.looks[only.look], page(only.page)}}, true};
+    }
     std::vector<ENTRY> pages, references;
     for (ENTRY const& entry : entries) {
       if (index.looks[entry.look].is_reference) {

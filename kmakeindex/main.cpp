@@ -90,10 +90,8 @@ private:
     for (RAW_INDEX const& raw : raw_indexes) {
       messages.add_file(raw.name, line);
       const auto said = raw.package_line();
-      KEY_SYNTAX syntax = {style};
-      syntax.is_typed = said && said->typed_keys ? *said->typed_keys : options.typed_keys;
-      syntax.star_is_principal = said || options.typed_keys;
-      syntax.compresses_blanks = options.compresses_blanks;
+      const bool is_typed = said && said->typed_keys ? *said->typed_keys : options.typed_keys;
+      const KEY_SYNTAX syntax(style, is_typed, said || options.typed_keys, options.compresses_blanks);
       line += read_entries(raw, line, style, messages, [&](RAW_ENTRY const& entry, LINE at) {
         if (INDEX* const index = find_index(entry.index_name, at)) index->add(entry.key, entry.page, at, syntax);
       });

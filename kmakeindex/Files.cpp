@@ -23,7 +23,7 @@ struct DESCRIPTOR {
   ~DESCRIPTOR() { close(file); }
 };
 
-[[noreturn]] void fail(std::string const& what) { throw FAILURE(what + ": " + std::strerror(errno)); }
+[[noreturn]] void fail(std::string const& what) { throw FAILURE("kmakeindex: " + what + ": " + std::strerror(errno)); }
 
 std::string read_all(int file, std::string const& name) {
   std::string text;
@@ -71,26 +71,28 @@ std::string read_file(std::string const& path) {
 
 std::string read_input() { return read_all(STDIN_FILENO, "standard input"); }
 
+void write_output(std::string_view text) { write_all(STDOUT_FILENO, "standard output", text); }
+
 void write_file(std::string const& path, std::string_view text) {
   struct stat old = {};
   const bool is_there = stat(path.c_str(), &old) == 0;
-  if (is_there && !S_ISREG(old.st_mode)) {
-    const DESCRIPTOR opened(open(path.c_str(), O_WRONLY | O_CLOEXEC));
+  std::error_code error;
+  const std::string target = fs::weakly_canonical(path, error).string();
+  const bool is_device =
+      fs::absolute(path, error).lexically_normal().string().starts_with("/dev/"); // also if a file is behind it
+  if (is_device || (is_there && !S_ISREG(old.st_mode))) {
+    const DESCRIPTOR opened(open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
     if (opened.file < 0) fail("cannot write " + path);
-    write_all(opened.file, path, text);
-    return;
+    return write_all(opened.file, path, text);
   }
-  if (is_there && access(path.c_str(), W_OK) != 0) fail("cannot write " + path);
-  std::error_code unknown;
-  const fs::path target = fs::weakly_canonical(path, unknown);
-  std::string temporary = (unknown ? fs::path(path) : target).string() + ".XXXXXX";
+  if (target.empty() || (is_there && access(path.c_str(), W_OK) != 0)) fail("cannot write " + path);
+  std::string temporary = target + ".XXXXXX";
   const DESCRIPTOR opened(mkostemp(temporary.data(), O_CLOEXEC));
   if (opened.file < 0) fail("cannot write " + path);
   try {
     write_all(opened.file, path, text);
     fchmod(opened.file, is_there ? old.st_mode & 07777 : usual_mode());
-    if (std::rename(temporary.c_str(), temporary.substr(0, temporary.size() - 7).c_str()) != 0)
-      fail("cannot write " + path);
+    if (std::rename(temporary.c_str(), target.c_str()) != 0) fail("cannot write " + path);
   } catch (FAILURE const&) {
     unlink(temporary.c_str());
     throw;

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <cctype>
 #include <functional>
+#include <map>
 #include <optional>
+#include <set>
+#include <unordered_set>
 #include <utility>
 
 #include "kmakeindex/Typed_key.h"
@@ -44,6 +47,17 @@ std::strong_ordering compare_texts(std::string_view a, std::string_view b, bool 
   return result == 0 ? a <=> b : result;
 }
 
+/// Whether the target of a reference is there as a whole, or each of those that it lists.
+bool refers_to(std::unordered_set<std::string> const& there, std::string_view target) {
+  if (there.contains(letters_and_digits(target))) return true;
+  for (std::size_t begin = 0; begin <= target.size();) {
+    const std::size_t end = std::min(target.find_first_of(",;", begin), target.size());
+    if (!there.contains(letters_and_digits(target.substr(begin, end - begin)))) return false;
+    begin = end + 1;
+  }
+  return true;
+}
+
 } // namespace
 
 INDEX::INDEX(STYLE const& with, MESSAGES& to) : style(with), messages(to) {
@@ -59,7 +73,7 @@ std::size_t INDEX::HASH::operator()(ITEM_NAME const& name) const {
 void INDEX::add(std::string_view key, std::string_view page, LINE line, KEY_SYNTAX const& syntax) {
   const KEY_USE use = syntax.is_plain(key) ? KEY_USE{find_item({ITEM::none, places.number_of(key), {}, false}), 0, {}}
                                            : find_key(key, line, syntax);
-  if (use.item != ITEM::none) entries.push_back({use.item, find_page(page, key, line), use.look, line, use.range});
+  if (use.item != ITEM::none) entries.push_back({use.item, find_page(page), use.look, line, use.range});
 }
 
 INDEX::KEY_USE INDEX::find_key(std::string_view key, LINE line, KEY_SYNTAX const& syntax) {
@@ -106,22 +120,38 @@ std::uint32_t INDEX::find_look(KEY const& key) {
   return number;
 }
 
-std::uint32_t INDEX::find_page(std::string_view page, std::string_view key, LINE line) {
-  if (page.empty()) {
-    messages.warn(line, "the key `" + shown(key) + "' has no page");
-    return ENTRY::no_page;
-  }
+std::uint32_t INDEX::find_page(std::string_view page) {
+  if (page.empty()) return ENTRY::no_page;
   const std::uint32_t number = page_names.number_of(page);
   if (number == pages.size()) pages.push_back(read_page(page, style));
   return number;
 }
 
-std::string INDEX::path_of(ITEM const& item) const {
-  std::string path(text_of(item));
+std::string INDEX::path_of(ITEM const& item, bool of_places) const {
+  const auto name = [&](ITEM const& one) { return std::string(of_places ? place_of(one) : text_of(one)); };
+  std::string path = name(item);
   for (std::uint32_t above = item.parent; above != ITEM::none; above = items[above].parent) {
-    path = std::string(text_of(items[above])) + '!' + path;
+    path = name(items[above]) + '!' + path;
   }
   return path;
+}
+
+void INDEX::check_references() const {
+  std::map<LINE, ENTRY const*> references; // each once, by the line where it is first
+  std::set<std::uint32_t> found;
+  for (ENTRY const& entry : entries) {
+    if (looks[entry.look].is_reference) references[entry.line] = &entry;
+  }
+  if (references.empty()) return;
+  std::unordered_set<std::string> there;
+  for (ITEM const& item : items) {
+    for (const bool of_places : {false, true}) there.insert(letters_and_digits(path_of(item, of_places)));
+  }
+  for (auto const& [line, entry] : references) {
+    const std::string target = target_of_reference(looks[entry->look].command);
+    if (!found.insert(entry->look).second || refers_to(there, target)) continue;
+    messages.warn(line, "the key `" + path_of(items[entry->item]) + "' refers to `" + target + "', which is not there");
+  }
 }
 
 void INDEX::arrange(ORDER const& language, bool letter_order) {
@@ -246,7 +276,8 @@ void INDEX::sort_entries() {
   };
   for (auto first = entries.begin(); first != entries.end();) {
     const auto last = entries.begin() + ends[first->item];
-    std::stable_sort(first, last, [&](ENTRY const& a, ENTRY const& b) { return rank(a) < rank(b); });
+    std::sort(first, last,
+              [&](ENTRY const& a, ENTRY const& b) { return rank(a) != rank(b) ? rank(a) < rank(b) : a.line < b.line; });
     first = last;
   }
 }

@@ -79,11 +79,14 @@ public:
   /// Finds the order and the headings, and puts the entries into the order of their items and pages.
   void arrange(ORDER const& language, bool letter_order);
 
+  /// Tells references to entries that are not there.
+  void check_references() const;
+
   std::string_view place_of(ITEM const& item) const { return places.texts[item.place]; }
   std::string_view text_of(ITEM const& item) const { return item.has_text ? item.text : place_of(item); }
 
-  /// The texts of an item and of those that it stands under: fruit!apple.
-  std::string path_of(ITEM const& item) const;
+  /// The texts of an item and of those that it stands under: fruit!apple. Or their places.
+  std::string path_of(ITEM const& item, bool of_places = false) const;
 
 private:
   struct KEY_USE {
@@ -123,7 +126,7 @@ private:
   std::uint32_t find_item(ITEM_NAME const& name);
   std::uint32_t add_item(ITEM_NAME const& name);
   std::uint32_t find_look(KEY const& key);
-  std::uint32_t find_page(std::string_view page, std::string_view key, LINE line);
+  std::uint32_t find_page(std::string_view page);
   std::vector<RANKED_PLACE> rank_places(ORDER const& language) const;
   std::vector<std::uint32_t> sort_level(std::size_t level, std::vector<RANKED_PLACE> const& ranked,
                                         std::vector<std::uint32_t> const& positions, bool letter_order) const;

@@ -24,6 +24,8 @@ public:
     star_is_quoted = last_is_quoted;
     if (at < source.size()) read_command();
     take_star();
+    if (has_empty_level) complain("has an empty level");
+    if (has_more_levels) complain("has more than three levels");
     for (KEY::LEVEL& level : key.levels) finish(level);
     return key;
   }
@@ -37,6 +39,7 @@ private:
   KEY key;
   bool last_is_quoted = false; ///< the last character of the field that was read last
   bool star_is_quoted = false; ///< the last character before the command
+  bool has_empty_level = false, has_more_levels = false;
 
   bool is_at(char c) const { return at < source.size() && source[at] == c; }
 
@@ -54,6 +57,7 @@ private:
         continue;
       }
       if (!is_command && (c == style.level || c == style.encap)) break;
+      if (is_command && c == style.encap) complain("has a second " + std::string(1, c));
       if (!is_command && c == style.actual) {
         if (!is_text) break;
         complain("has a second " + std::string(1, c) + ", which is part of the text");
@@ -93,11 +97,11 @@ private:
 
   void add(KEY::LEVEL const& level) {
     if (level.text.empty()) {
-      complain("has an empty level");
+      has_empty_level = true;
     } else if (key.levels.size() < most_levels) {
       key.levels.push_back(level);
     } else {
-      complain("has more than three levels");
+      has_more_levels = true;
       KEY::LEVEL& last = key.levels.back();
       last.place += ", " + level.place;
       last.text += ", " + level.text;
@@ -107,7 +111,7 @@ private:
 
   /// A star counts at the end of what is before the command.
   void take_star() {
-    if (!syntax.star_is_principal || key.levels.empty() || star_is_quoted) return;
+    if (!syntax.star_is_principal() || key.levels.empty() || star_is_quoted) return;
     KEY::LEVEL& last = key.levels.back();
     if (!last.text.ends_with('*') || last.text == "*") return;
     key.is_principal = true;
@@ -137,13 +141,15 @@ private:
 KEY read_typed_key(std::string_view source, KEY_SYNTAX const& syntax, COMPLAIN const& complain) {
   KEY key;
   std::string typed = as_typed(source);
-  key.is_principal = syntax.star_is_principal && typed.size() > 1 && typed.ends_with('*');
+  key.is_principal = typed.size() > 1 && typed.ends_with('*');
   if (key.is_principal) typed = as_typed(typed.substr(0, typed.size() - 1));
   if (typed.empty()) {
     complain("is empty");
     return key;
   }
-  key.levels.push_back({trim(typed, " ~"), as_latex(typed, complain), true});
+  const std::string text = as_latex(typed, syntax.has_package, complain);
+  const std::string place = trim(typed, " ~");
+  key.levels.push_back({place, text, text != place});
   return key;
 }
 
@@ -160,8 +166,8 @@ bool KEY::is_reference() const {
   return rest.substr(skip_blanks(rest, 0)).starts_with('{');
 }
 
-KEY_SYNTAX::KEY_SYNTAX(STYLE const& with, bool typed, bool with_stars, bool compressing)
-    : style(with), is_typed(typed), star_is_principal(with_stars), compresses_blanks(compressing) {
+KEY_SYNTAX::KEY_SYNTAX(STYLE const& with, bool typed, bool with_package, bool compressing)
+    : style(with), is_typed(typed), has_package(with_package), compresses_blanks(compressing) {
   const std::string in_typed_keys = "\\{}$_&%#^|\"<>~*\t";
   const std::string in_others = {'\\',        '{',          '}',         '*',         '\t',
                                  style.level, style.actual, style.encap, style.quote, style.escape};

@@ -33,11 +33,14 @@ using COMPLAIN = std::function<void(std::string_view what)>;
 /// How keys are to be read.
 struct KEY_SYNTAX {
   STYLE const& style;
-  bool is_typed;          ///< a key is one item, printed as it was typed
-  bool star_is_principal; ///< at the end of a key
+  bool is_typed;    ///< a key is one item, printed as it was typed
+  bool has_package; ///< the document uses the LaTeX package
   bool compresses_blanks;
 
-  KEY_SYNTAX(STYLE const& with, bool typed, bool with_stars, bool compressing);
+  KEY_SYNTAX(STYLE const& with, bool typed, bool with_package, bool compressing);
+
+  /// At the end of a key.
+  bool star_is_principal() const { return is_typed || has_package; }
 
   /// Whether the key is its only level, place and text, since it has nothing that means anything.
   bool is_plain(std::string_view key) const;

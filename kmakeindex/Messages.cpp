@@ -12,7 +12,7 @@ std::string shown(std::string_view text) {
 
 void MESSAGES::open_transcript(std::string const& path) {
   transcript.open(path);
-  if (!transcript) throw FAILURE("cannot write " + path + ": " + std::strerror(errno));
+  if (!transcript) throw FAILURE("kmakeindex: cannot write " + path + ": " + std::strerror(errno));
 }
 
 void MESSAGES::warn(LINE line, std::string_view text) {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-/// Ends the run: the index cannot be made. Its text is the message, without the name of the program.
+/// Ends the run: the index cannot be made. Its text is the message.
 struct FAILURE : std::runtime_error {
   using std::runtime_error::runtime_error;
 };

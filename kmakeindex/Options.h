@@ -16,7 +16,7 @@ struct OPTIONS {
   bool letter_order = false;
   bool makes_ranges = true;
   bool quiet = false;
-  bool typed_keys = false;             ///< unless the raw index says otherwise
+  std::optional<bool> typed_keys;      ///< whatever the raw index says
   std::optional<std::string> language; ///< a language tag
 };
 

@@ -10,7 +10,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstring>
+#include <functional>
+#include <numeric>
 #include <utility>
 
 #include "kmakeindex/Letters.h"
@@ -35,7 +38,7 @@ constexpr std::pair<UScriptCode, char const*> alphabets[] = {
 };
 
 void check(UErrorCode status) {
-  if (U_FAILURE(status)) throw FAILURE(std::string("ICU: ") + u_errorName(status));
+  if (U_FAILURE(status)) throw FAILURE(std::string("kmakeindex: ICU: ") + u_errorName(status));
 }
 
 bool is_ascii_digit(char c) { return '0' <= c && c <= '9'; }
@@ -86,7 +89,8 @@ Locale find_language(std::string const& language) {
     }
     return false;
   };
-  if (locale.isBogus() || !is_known() || !has_collation(locale)) throw FAILURE("there is no language " + language);
+  if (locale.isBogus() || !is_known() || !has_collation(locale))
+    throw FAILURE("kmakeindex: there is no language " + language);
   return locale;
 }
 
@@ -239,7 +243,10 @@ std::string letters_and_digits(std::string_view text) {
 std::string lower_case(std::string const& text) { return to_utf8(UnicodeString::fromUTF8(text).toLower()); }
 
 bool is_utf8(std::string_view text) {
-  if (std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80U; })) return true;
+  const char all =
+      std::reduce(text.begin(), text.end(), '\0', std::bit_or<>()); // no early end: faster for a whole file
+  if ((static_cast<unsigned char>(all) & 0x80U) == 0) return true;
+  if (text.size() > INT32_MAX) return false;
   UErrorCode status = U_ZERO_ERROR;
   u_strFromUTF8(nullptr, 0, nullptr, text.data(), static_cast<std::int32_t>(text.size()), &status);
   return status != U_INVALID_CHAR_FOUND;

@@ -39,6 +39,7 @@ private:
 /// The letters and digits of a text, without its commands and without regard to case.
 std::string letters_and_digits(std::string_view text);
 
+/// The answer for more than 2 GB with other than ASCII is no.
 bool is_utf8(std::string_view text);
 
 /// Small letters for capitals.

@@ -50,7 +50,9 @@ void OUTPUT::write_item(ITEM const& item) {
   while (next_entry < index.entries.size() && is_own(index.entries[next_entry])) ++next_entry;
   std::string const& before = before_item(item);
   end_line();
-  line = std::exchange(pending_delimiter, "") + before + std::string(index.text_of(item));
+  line = std::exchange(pending_delimiter, "") + before;
+  line += index.text_of(item);
+  line_length = length(line);
   last_item = &item;
   last_has_entries = next_entry > begin;
   last_is_single = false;
@@ -74,27 +76,31 @@ std::string const& OUTPUT::before_item(ITEM const& item) const {
 void OUTPUT::write_pages(ITEM const& item, PAGE_LIST const& list) {
   if (list.pieces.empty()) return;
   const std::array<std::string const*, 3> delimiters = {&style.delim_0, &style.delim_1, &style.delim_2};
-  line += *delimiters.at(item.level);
+  add_to_line(*delimiters.at(item.level));
   for (PAGES const& pages : list.pieces) {
-    add_to_line(with_commands(pages));
-    if (&pages != &list.pieces.back()) line += style.delim_n;
+    add_piece(with_commands(pages));
+    if (&pages != &list.pieces.back()) add_to_line(style.delim_n);
   }
   pending_delimiter = style.delim_t;
 }
 
 void OUTPUT::add_to_line(std::string const& text) {
-  if (length(line) + length(text) + indent > style.line_max) {
+  line += text;
+  line_length += length(text);
+}
+
+void OUTPUT::add_piece(std::string const& text) {
+  if (line_length + length(text) > style.line_max) {
     out += line + '\n';
     line = style.indent_space;
-    indent = style.indent_length;
+    line_length = style.indent_length + length(line);
   }
-  line += text;
+  add_to_line(text);
 }
 
 void OUTPUT::end_line() {
   out += line;
   line.clear();
-  indent = 0;
 }
 
 std::string OUTPUT::with_command(std::string const& command, std::string const& pages) const {

@@ -22,7 +22,7 @@ private:
   MESSAGES& messages;
   std::string out;               ///< lines that are complete
   std::string line;              ///< the one that is not
-  long indent = 0;               ///< counts besides what is in the line
+  long line_length = 0;          ///< its characters, and what else counts
   std::string pending_delimiter; ///< after the last list of pages
   std::size_t next_entry = 0;    ///< the first one of the items that are still to come
   ITEM const* last_item = nullptr;
@@ -33,6 +33,7 @@ private:
   void write_item(ITEM const& item);
   void write_pages(ITEM const& item, PAGE_LIST const& list);
   void add_to_line(std::string const& text);
+  void add_piece(std::string const& text);
   void end_line();
   std::string const& before_item(ITEM const& item) const;
   std::string with_command(std::string const& command, std::string const& pages) const;

@@ -84,7 +84,8 @@ private:
     for (auto begin = pages.begin(); begin != pages.end();) {
       auto end = begin + 1;
       while (end != pages.end() && !is_other_page(*(end - 1), *end)) ++end;
-      std::stable_sort(begin, end, [&](ENTRY const& a, ENTRY const& b) { return sort_name(a) < sort_name(b); });
+      if (end - begin > 1)
+        std::stable_sort(begin, end, [&](ENTRY const& a, ENTRY const& b) { return sort_name(a) < sort_name(b); });
       begin = end;
     }
     pages.erase(std::unique(pages.begin(), pages.end(), is_same), pages.end());
@@ -134,6 +135,7 @@ private:
     ROW& row = *(open->look == 0 ? plain : other);
     if (entry.range == RANGE::BEGIN) warn(entry, "is opened again");
     const bool ends = entry.range == RANGE::END;
+    if (ends && entry.look != 0 && entry.look != open->look) warn(entry, "is closed with another command");
     if (!ends && entry.look != 0 && entry.look != open->look) {
       made.pieces.push_back({&index.looks[entry.look], page(entry.page)});
       return;
@@ -168,6 +170,10 @@ private:
 
   void put_row(ROW const& row, std::vector<PAGES>& to) const {
     LOOK const* const look = &index.looks[row.look];
+    if (row.first == row.last) {
+      to.push_back({look, page(row.first)});
+      return;
+    }
     const std::string first = page(row.first), last = page(row.last);
     const std::int64_t pages = distance(row.first, row.last);
     const bool is_range = row.is_explicit || pages > (style.suffix_2p.empty() ? 1 : 0);

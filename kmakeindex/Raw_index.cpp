@@ -11,11 +11,13 @@
 namespace {
 
 constexpr std::size_t none = std::string_view::npos;
-constexpr std::string_view blanks = " \t";
+
+bool is_blank(char c) { return c == ' ' || c == '\t'; }
 
 std::string_view trim_blanks(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(blanks), text.size()));
-  return text.substr(0, text.find_last_not_of(blanks) + 1);
+  while (!text.empty() && is_blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && is_blank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 /// Takes a line of a raw index apart.
@@ -67,13 +69,14 @@ private:
   }
 
   /// Two arguments and nothing else.
-  bool read_arguments(RAW_ENTRY& entry, bool has_quotes) const {
+  bool read_arguments(RAW_ENTRY& entry, bool has_quotes) {
     const std::size_t key_end = end_of_argument(rest, has_quotes);
     if (key_end == none) return false;
     const std::string_view second = trim_blanks(rest.substr(key_end + 1));
     if (!second.starts_with(style.arg_open) || end_of_argument(second, false) != second.size() - 1) return false;
     entry.key = rest.substr(1, key_end - 1);
     entry.page = trim_blanks(second.substr(1, second.size() - 2));
+    if (entry.page.empty()) fault = "has no page";
     return true;
   }
 
@@ -82,10 +85,12 @@ private:
     const std::array<char, 2> between = {style.arg_close, style.arg_open};
     const std::size_t key_end = rest.rfind(std::string_view(between.data(), between.size()));
     if (key_end != none && key_end > 0) {
-      fault = rest.ends_with(style.arg_close) ? "has braces that do not match" : "is cut short";
       entry.key = rest.substr(1, key_end - 1);
       entry.page = rest.substr(key_end + 2);
-      entry.page = trim_blanks(entry.page.substr(0, entry.page.find(style.arg_close)));
+      const std::size_t page_end = entry.page.find(style.arg_close);
+      if (page_end == none) fault = "is cut short";
+      if (page_end < entry.page.size() - 1) fault = "goes on after the page"; // braces are told where the key is read
+      entry.page = trim_blanks(entry.page.substr(0, page_end));
       return entry;
     }
     const std::size_t only_end = end_of_argument(rest, false);
@@ -107,7 +112,6 @@ std::optional<RAW_INDEX::PACKAGE_LINE> RAW_INDEX::package_line() const {
   std::istringstream words(line.substr(beginning.size()));
   for (std::string word; words >> word;) {
     if (word == "keys=typed") said.typed_keys = true;
-    if (word == "keys=makeindex") said.typed_keys = false;
     if (word.starts_with("language=")) said.language = word.substr(word.find('=') + 1);
   }
   return said;
@@ -125,19 +129,19 @@ std::string RAW_INDEX::digest() const {
 LINE read_entries(RAW_INDEX const& raw, LINE first_line, STYLE const& style, MESSAGES& messages,
                   std::function<void(RAW_ENTRY const&, LINE)> const& take) {
   LINE line = first_line;
-  bool has_other_bytes = false;
+  bool may_have_other_bytes = !is_utf8(raw.text);
   if (raw.package_line()) ++line;
   std::string_view text = raw.text;
   if (raw.package_line()) text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
   for (; !text.empty(); ++line) {
     std::string_view one = text.substr(0, text.find('\n'));
-    if (!has_other_bytes && !is_utf8(one)) {
-      has_other_bytes = true;
+    if (may_have_other_bytes && !is_utf8(one)) {
+      may_have_other_bytes = false;
       messages.warn(line, "has bytes that are not in UTF-8");
     }
     text.remove_prefix(std::min(one.size() + 1, text.size()));
     if (one.ends_with('\r')) one.remove_suffix(1);
-    if (one.find_first_not_of(blanks) == none) continue;
+    if (trim_blanks(one).empty()) continue;
     LINE_READER reader(one, style);
     const std::optional<RAW_ENTRY> entry = reader.read();
     if (!reader.fault.empty()) messages.warn(line, "`" + shown(one) + "' " + std::string(reader.fault));

@@ -15,7 +15,7 @@ struct RAW_INDEX {
 
   /// What its first line says, if that is the LaTeX package's: % kindex keys=typed language=sv
   struct PACKAGE_LINE {
-    std::optional<bool> typed_keys;
+    bool typed_keys = false;
     std::string language;
   };
   std::optional<PACKAGE_LINE> package_line() const;

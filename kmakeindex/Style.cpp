@@ -215,7 +215,7 @@ STYLE package_style() {
 
 void read_style(std::string const& name, STYLE& style, MESSAGES& messages) {
   const std::string path = find_style(name);
-  if (path.empty()) throw FAILURE("there is no style file " + name);
+  if (path.empty()) throw FAILURE("kmakeindex: there is no style file " + name);
   const std::string text = read_file(path);
   const STYLE before = style;
   STYLE_READER(path, text, style, messages).read();

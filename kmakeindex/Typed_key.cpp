@@ -225,7 +225,7 @@ private:
       add(end_of_verb(key, end) - at);
     } else {
       add(end - at);
-      if (name == " " || end > at + 2 || is_letter(name)) skip_after_command(next);
+      if (name == " " || name.size() > 1 || is_letter(name)) skip_after_command(next);
     }
   }
 
@@ -245,8 +245,14 @@ private:
 
 std::string as_typed(std::string_view key) { return TYPED_READER(key).read(); }
 
-std::string as_latex(std::string_view typed, COMPLAIN const& complain) {
-  return put_together(SPLITTER(typed, true).split(), true, complain);
+std::string as_latex(std::string_view typed, bool has_package, COMPLAIN const& complain) {
+  std::vector<PIECE> pieces = SPLITTER(typed, true).split();
+  for (PIECE& piece : pieces) {
+    if (has_package && piece.kind == PIECE::KIND::SIGN && piece.text == "\"") {
+      piece = {PIECE::KIND::COMMAND, "\\textquotedbl{}"};
+    }
+  }
+  return put_together(pieces, true, complain);
 }
 
 std::string with_matched_braces(std::string_view text, COMPLAIN const& complain) {

@@ -10,8 +10,8 @@
 std::string as_typed(std::string_view key);
 
 /// LaTeX that prints a typed key: signs with a meaning there are escaped, but for mathematics, commands and ties. What
-/// does not match becomes a sign, and is told.
-std::string as_latex(std::string_view typed, COMPLAIN const& complain);
+/// does not match becomes a sign, and is told. With the package, " is straight whatever the font makes of it.
+std::string as_latex(std::string_view typed, bool has_package, COMPLAIN const& complain);
 
 /// The same text, but braces without a partner and a last backslash become signs, and are told.
 std::string with_matched_braces(std::string_view text, COMPLAIN const& complain);

@@ -36,6 +36,7 @@ public:
     std::map<std::string, std::string> texts; // by the names of the files: all are made before the first is written
     for (auto& [name, index] : indexes) {
       index.arrange(language, options.letter_order);
+      index.check_references();
       items += index.items.size();
       entries += index.entries.size();
       texts[path_of_index(name)] = digest_line() + OUTPUT(index, style, options.makes_ranges, messages).write(page);
@@ -79,8 +80,8 @@ private:
     const std::string language = package_line ? package_line->language : "";
     try {
       return {language, options.letter_order};
-    } catch (FAILURE const& failure) {
-      messages.warn(raw_indexes.front().name, 1, failure.what());
+    } catch (FAILURE const&) {
+      messages.warn(raw_indexes.front().name, 1, "there is no language " + language);
       return {"", options.letter_order};
     }
   }
@@ -90,8 +91,8 @@ private:
     for (RAW_INDEX const& raw : raw_indexes) {
       messages.add_file(raw.name, line);
       const auto said = raw.package_line();
-      const bool is_typed = said && said->typed_keys ? *said->typed_keys : options.typed_keys;
-      const KEY_SYNTAX syntax(style, is_typed, said || options.typed_keys, options.compresses_blanks);
+      const bool is_typed = options.typed_keys.value_or(said && said->typed_keys);
+      const KEY_SYNTAX syntax(style, is_typed, said.has_value(), options.compresses_blanks);
       line += read_entries(raw, line, style, messages, [&](RAW_ENTRY const& entry, LINE at) {
         if (INDEX* const index = find_index(entry.index_name, at)) index->add(entry.key, entry.page, at, syntax);
       });
@@ -127,9 +128,11 @@ private:
   void write_index(std::string const& path, std::string const& text) const {
     std::error_code unknown;
     for (RAW_INDEX const& raw : raw_indexes) {
-      if (fs::equivalent(path, raw.name, unknown)) throw FAILURE("cannot write " + path + ": it is the raw index");
+      if (fs::equivalent(path, raw.name, unknown))
+        throw FAILURE("kmakeindex: cannot write " + path + ": it is the raw index");
     }
-    write_file(path.empty() ? "/dev/stdout" : path, text);
+    if (path.empty()) return write_output(text);
+    write_file(path, text);
   }
 
   std::string digest_line() const {
@@ -175,7 +178,7 @@ int main(int argc, char* argv[]) {
   } catch (std::bad_alloc const&) {
     std::cerr << "kmakeindex: out of memory\n";
   } catch (std::exception const& error) {
-    std::cerr << "kmakeindex: " << error.what() << '\n';
+    std::cerr << error.what() << '\n';
   }
   return 1;
 }

@@ -21,30 +21,31 @@ int class_of(std::string_view text) {
   return std::isalpha(static_cast<unsigned char>(text[0])) != 0 ? 4 : 1;
 }
 
-std::strong_ordering compare_numbers(std::string_view a, std::string_view b) {
+int compare_numbers(std::string_view a, std::string_view b) {
   a.remove_prefix(std::min(a.find_first_not_of('0'), a.size()));
   b.remove_prefix(std::min(b.find_first_not_of('0'), b.size()));
-  return a.size() != b.size() ? a.size() <=> b.size() : a <=> b;
+  if (a.size() != b.size()) return a.size() < b.size() ? -1 : 1;
+  return a.compare(b);
 }
 
 /// Without regard to case and, in letter order, to blanks.
-std::strong_ordering compare_letters(std::string_view a, std::string_view b, bool letter_order) {
+int compare_letters(std::string_view a, std::string_view b, bool letter_order) {
   const auto fold = [&](std::string_view text) {
     std::string folded(text);
     if (letter_order) std::erase(folded, ' ');
     std::ranges::transform(folded, folded.begin(), [](unsigned char c) { return std::tolower(c); });
     return folded;
   };
-  return fold(a) <=> fold(b);
+  return fold(a).compare(fold(b));
 }
 
-/// As makeindex compares texts; the empty one, for an item without, is first.
-std::strong_ordering compare_texts(std::string_view a, std::string_view b, bool letter_order) {
+/// Less than zero if `a` is first. As makeindex compares texts; the empty one, for an item without, is first.
+int compare_texts(std::string_view a, std::string_view b, bool letter_order) {
   const int kind = class_of(a);
-  std::strong_ordering result = kind <=> class_of(b);
+  int result = kind - class_of(b);
   if (result == 0 && kind == 3) result = compare_numbers(a, b);
   if (result == 0 && kind == 4) result = compare_letters(a, b, letter_order);
-  return result == 0 ? a <=> b : result;
+  return result == 0 ? a.compare(b) : result;
 }
 
 /// Whether the target of a reference is there as a whole, or each of those that it lists.
@@ -217,7 +218,7 @@ std::vector<std::uint32_t> INDEX::sort_level(std::size_t level, std::vector<RANK
   std::ranges::sort(placed, [&](PLACED_ITEM const& a, PLACED_ITEM const& b) {
     if (a.place != b.place) return a.place < b.place;
     ITEM const &first = items[a.number], &second = items[b.number];
-    const auto by_text = compare_texts(first.text, second.text, letter_order);
+    const int by_text = compare_texts(first.text, second.text, letter_order);
     return by_text == 0 ? place_of(first) < place_of(second) : by_text < 0;
   });
   std::vector<std::uint32_t> sorted;

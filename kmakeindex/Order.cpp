@@ -82,7 +82,7 @@ bool has_collation(Locale const& locale) {
 
 /// Throws a FAILURE unless ICU knows the language: it would fall back in silence.
 Locale find_language(std::string const& language) {
-  const Locale locale = parse_language(language);
+  Locale locale = parse_language(language);
   const auto is_known = [&] {
     for (char const* const* code = Locale::getISOLanguages(); *code != nullptr; ++code) {
       if (std::strcmp(*code, locale.getLanguage()) == 0) return true;
@@ -101,7 +101,7 @@ std::unique_ptr<AlphabeticIndex::ImmutableIndex> make_headings(Locale const& loc
   check(status);
   std::array<UScriptCode, 8> own = {};
   const std::int32_t count = uscript_getCode(locale.getName(), own.data(), own.size(), &status);
-  const auto own_end = own.begin() + (U_FAILURE(status) ? 0 : count);
+  auto* const own_end = own.begin() + (U_FAILURE(status) ? 0 : count);
   status = U_ZERO_ERROR;
   for (auto const& [script, language] : alphabets) {
     if (std::find(own.begin(), own_end, script) == own_end) index.addLabels(Locale(language), status);
@@ -134,7 +134,8 @@ struct ORDER::ICU {
 
   /// What of a place is compared.
   UnicodeString text_of(std::string_view place) const {
-    if (!letter_order && place.find('\\') == place.npos && place.find('~') == place.npos) return to_unicode(place);
+    if (!letter_order && place.find('\\') == std::string_view::npos && place.find('~') == std::string_view::npos)
+      return to_unicode(place);
     std::string letters = as_letters(place);
     if (letter_order && !letters.empty() && !is_ascii_digit(letters[0])) std::erase(letters, ' ');
     return to_unicode(letters);
@@ -185,7 +186,7 @@ ORDER::~ORDER() = default;
 void ORDER::append_sort_key(std::string_view place, std::string& keys) const {
   const UnicodeString text = icu->text_of(place);
   const CLASS kind = classify(place, text);
-  keys += kind;
+  keys += static_cast<char>(kind);
   if (kind == NUMBER) {
     append_number_key(place, keys);
   } else if (kind == MIXED_NUMBER) {

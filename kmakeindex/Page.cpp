@@ -10,6 +10,7 @@ namespace {
 
 using NUMBER = PAGE::NUMBER;
 
+constexpr std::size_t none = std::string_view::npos;
 constexpr std::string_view digits = "0123456789";
 constexpr std::string_view lower_roman = "ivxlcdm", upper_roman = "IVXLCDM";
 constexpr std::array<std::uint64_t, 7> roman_values = {1, 5, 10, 50, 100, 500, 1000};
@@ -60,19 +61,20 @@ PAGE read_page(std::string_view text, STYLE const& style) {
   PAGE page = {text, {}};
   std::string_view const compositor = style.page_compositor;
   for (std::size_t begin = 0; begin <= text.size();) {
-    const std::size_t found = compositor.empty() ? text.npos : text.find(compositor, begin);
+    const std::size_t found = compositor.empty() ? none : text.find(compositor, begin);
     const std::size_t end = std::min(found, text.size());
-    const auto number = read_number(text.substr(begin, end - begin), found == text.npos);
+    const auto number = read_number(text.substr(begin, end - begin), found == none);
     const std::size_t kind = number ? style.page_precedence.find(number->first) : std::string::npos;
     if (kind == std::string::npos) return {text, {}};
     page.numbers.push_back({static_cast<int>(kind), number->second});
-    begin = found == text.npos ? text.size() + 1 : found + compositor.size();
+    begin = found == none ? text.size() + 1 : found + compositor.size();
   }
   return page;
 }
 
 void rank_pages(std::vector<PAGE>& pages) {
   std::vector<PAGE*> order;
+  order.reserve(pages.size());
   for (PAGE& page : pages) order.push_back(&page);
   const auto is_before = [](PAGE const* a, PAGE const* b) {
     if (a->numbers.empty() || b->numbers.empty()) return a->numbers.size() > b->numbers.size();

@@ -12,7 +12,7 @@ struct PAGE {
   struct NUMBER {
     int kind; ///< its place in page_precedence
     std::uint64_t value;
-    auto operator<=>(NUMBER const&) const = default;
+    auto operator<=>(NUMBER const&) const = default; // NOLINT(modernize-use-nullptr): of its own making
   };
 
   std::string_view text;

@@ -186,10 +186,11 @@ std::string kpsewhich(std::string const& name) {
 
 /// The path of a style file, which may lack its .ist; empty if there is none.
 std::string find_style(std::string const& name) {
-  std::vector<std::string> directories = {""};
+  std::vector<std::string> directories;
   char const* const path = std::getenv("INDEXSTYLE");
   std::istringstream list(path == nullptr || name.starts_with('/') ? "" : path);
   for (std::string directory; std::getline(list, directory, ':');) directories.push_back(directory + '/');
+  directories.emplace_back("");
   for (std::string const& directory : directories) {
     for (std::string const& candidate : {directory + name, directory + name + ".ist"}) {
       if (is_file(candidate)) return candidate;

@@ -105,7 +105,7 @@ private:
     const auto found = indexes.find(name);
     if (found != indexes.end()) return &found->second;
     const bool has_no_file = base.empty() && options.index.empty() && !name.empty();
-    if (!has_no_file && name.find('/') == name.npos) {
+    if (!has_no_file && name.find('/') == std::string_view::npos) {
       return &indexes.try_emplace(std::string(name), style, messages).first->second;
     }
     if (left_out.emplace(name).second) {
@@ -148,9 +148,9 @@ private:
     const std::string log = read_file(path);
     const auto is_digit = [](char c) { return '0' <= c && c <= '9'; };
     std::size_t at = log.rfind('[');
-    while (at != log.npos && (at + 1 == log.size() || !is_digit(log[at + 1])))
-      at = at == 0 ? log.npos : log.rfind('[', at - 1);
-    if (at == log.npos) return "";
+    while (at != std::string::npos && (at + 1 == log.size() || !is_digit(log[at + 1])))
+      at = at == 0 ? std::string::npos : log.rfind('[', at - 1);
+    if (at == std::string::npos) return "";
     const long page = std::strtol(log.c_str() + at + 1, nullptr, 10) + 1;
     const bool is_next = wanted == "any" || (page % 2 != 0) == (wanted == "odd");
     return std::to_string(is_next ? page : page + 1);

@@ -4,18 +4,45 @@
 #include <fstream>
 #include <map>
 #include <optional>
+#include <sstream>
 #include <utility>
 
 namespace fs = std::filesystem;
 
 namespace {
 
-struct INCLUDE {
-  std::string name;
-  bool is_quoted;
-};
+/// Where what begins at `start` ends: a comment, a literal, a line's end that does not count, or a character.
+std::size_t end_of_token(std::string_view text, std::size_t start) {
+  if (text.substr(start, 2) == "\\\n") return start + 2;
+  if (text.substr(start, 2) == "/*") return std::min(text.find("*/", start + 2), text.size() - 2) + 2;
+  if (text.substr(start, 2) == "//") {
+    std::size_t end = text.find('\n', start);
+    while (end != std::string_view::npos && text[end - 1] == '\\') end = text.find('\n', end + 1);
+    return std::min(end, text.size());
+  }
+  const char quote = text[start];
+  std::size_t end = start + 1;
+  if (quote != '"' && quote != '\'') return end;
+  while (end < text.size() && text[end] != quote && text[end] != '\n') end += text[end] == '\\' ? 2 : 1;
+  return std::min(end + 1, text.size());
+}
 
-/// What the compiler takes the line to include. A name that a macro stands for is not seen.
+/// The text as the compiler reads it: lines that go on are joined, and a blank stands for a comment.
+std::string without_comments(std::string_view text) {
+  std::string code;
+  for (std::size_t start = 0, end = 0; start < text.size(); start = end) {
+    end = end_of_token(text, start);
+    const std::string_view token = text.substr(start, end - start);
+    if (token.starts_with("/*") || token.starts_with("//")) {
+      code += ' ';
+    } else if (token != "\\\n") {
+      code += token;
+    }
+  }
+  return code;
+}
+
+/// What the line includes.
 std::optional<INCLUDE> included_by(std::string_view line) {
   for (const std::string_view part : {"", "#", "include"}) {
     if (!line.starts_with(part)) return {};
@@ -38,32 +65,33 @@ public:
     for (std::string const& directory : directories) {
       check_name(directory, directory);
       for (std::string const& name : names_in(root / directory)) {
-        if (name.ends_with(".c") || name.ends_with(".k") || name.ends_with(".h")) places[name].insert(directory);
+        if (name.ends_with(".c") || name.ends_with(".k") || name.ends_with(".h"))
+          directories_with[name].insert(directory);
       }
     }
   }
 
   void check_names() {
-    for (auto const& [name, directories] : places) {
+    for (auto const& [name, directories] : directories_with) {
       for (std::string const& directory : directories) check_name(name, path_of(directory, name));
     }
   }
 
-  /// One directory has the objects of all.
+  /// The objects of all directories go into one.
   void check_objects() {
-    for (auto const& [name, directories] : places) {
+    for (auto const& [name, directories] : directories_with) {
       if (name.ends_with(".h")) continue;
       const std::string first = path_of(*directories.begin(), name);
       for (auto other = std::next(directories.begin()); other != directories.end(); ++other) {
-        refuse({first, " and ", path_of(*other, name), " would share one object"});
+        note({first, " and ", path_of(*other, name), " would share one object"});
       }
     }
     for (std::string const& name : names_in(root)) {
       if (!name.ends_with(".c")) continue;
       for (std::string const& source : {name, name.substr(0, name.size() - 1) + 'k'}) {
-        const auto place = places.find(source);
-        if (place == places.end()) continue;
-        refuse({name, " would be compiled in place of ", path_of(*place->second.begin(), source)});
+        const auto found = directories_with.find(source);
+        if (found == directories_with.end()) continue;
+        note({name, " would be compiled in place of ", path_of(*found->second.begin(), source)});
       }
     }
   }
@@ -72,7 +100,7 @@ public:
   /// themselves. So each may be included only where its own directory comes first.
   void check_headers() {
     std::map<std::string, std::string> ambiguous; // names, with the paths that have them
-    for (auto const& [name, directories] : places) {
+    for (auto const& [name, directories] : directories_with) {
       if (!name.ends_with(".h") || directories.size() == 1) continue;
       for (std::string const& directory : directories) {
         std::string& paths = ambiguous[name];
@@ -84,28 +112,26 @@ public:
     const auto copies = read_as_copies();
     for (auto const& [name, paths] : ambiguous) {
       const auto copy = copies.find(name);
-      if (copy != copies.end()) refuse({copy->second, " includes ", name, ", which may be ", paths});
+      if (copy != copies.end()) note({copy->second, " includes ", name, ", which may be ", paths});
     }
   }
 
   /// In the names that a C file depends on, make looks for the name of its object.
   void check_dependencies() {
     std::set<std::string> suspicious;
-    for (auto const& [name, directories] : places) {
+    for (auto const& [name, directories] : directories_with) {
       for (std::string const& directory : directories) {
         const std::string path = path_of(directory, name);
         if (path.find(".o") != std::string::npos) suspicious.insert(path);
       }
     }
-    for (auto const& [name, directories] : places) {
+    for (auto const& [name, directories] : directories_with) {
       if (!name.ends_with(".c")) continue;
       const std::string object = name.substr(0, name.size() - 1) + 'o';
-      const auto is_edited = [&](std::string const& path) { return path.find(object) != std::string::npos; };
-      if (std::none_of(suspicious.begin(), suspicious.end(), is_edited)) continue;
-      for (std::string const& path : needed_by(name)) {
-        if (!is_edited(path)) continue;
+      for (std::string const& path : suspicious) {
+        if (path.find(object) == std::string::npos || !needed_by(name).contains(path)) continue;
         const std::string source = path_of(*directories.begin(), name);
-        refuse({path, ": make takes ", object, " in that name for the object of ", source});
+        note({path, ": make takes ", object, " in that name for the object of ", source});
       }
     }
   }
@@ -114,21 +140,21 @@ private:
   using NAMES = std::set<std::string>;
 
   const fs::path root;
-  std::map<std::string, NAMES> places; // the directories that have a file of a name
+  std::map<std::string, NAMES> directories_with; // by the names of files
   std::map<std::string, std::vector<INCLUDE>> includes;
 
   /// Hidden files are left out, as make does.
   static NAMES names_in(fs::path const& directory) {
     NAMES names;
     for (fs::directory_entry const& entry : fs::directory_iterator(directory)) {
-      std::error_code unknown;
+      std::error_code ignored;
       const std::string name = entry.path().filename().string();
-      if (!name.starts_with('.') && !entry.is_directory(unknown)) names.insert(name);
+      if (!name.starts_with('.') && !entry.is_directory(ignored)) names.insert(name);
     }
     return names;
   }
 
-  void refuse(std::initializer_list<std::string_view> parts) {
+  void note(std::initializer_list<std::string_view> parts) {
     std::string& reason = reasons.emplace_back();
     for (const std::string_view part : parts) reason += part;
   }
@@ -137,38 +163,33 @@ private:
     auto found = name.find_first_of(" \t\n\r\v\f$#:%\\'\"`*?[;&()|<>=,");
     if (name.starts_with('^')) found = 0;
     if (found == std::string::npos) return;
-    refuse({path, ": make takes a name with '", std::string_view(name).substr(found, 1), "' in it apart"});
+    note({path, ": make cannot handle a name with '", std::string_view(name).substr(found, 1), "' in it"});
   }
 
   std::vector<INCLUDE> const& includes_of(std::string const& path) {
     const auto [entry, is_new] = includes.try_emplace(path);
-    std::error_code unknown;
-    if (!is_new || !fs::is_regular_file(root / path, unknown)) return entry->second; // a pipe would wait for its writer
-    std::ifstream file(root / path);
-    for (std::string line; std::getline(file, line);) {
-      if (const auto include = included_by(line)) entry->second.push_back(*include);
-    }
+    if (is_new) entry->second = includes_in(root / path);
     return entry->second;
   }
 
   /// The names that are read from the directory of copies, each with a file that includes it.
   std::map<std::string, std::string> read_as_copies() {
     std::map<std::string, std::string> copies;
-    std::vector<std::string> open;
+    std::vector<std::string> to_read;
     const auto add = [&](std::string const& name, std::string const& user) {
-      if (places.contains(name) && copies.emplace(name, user).second) open.push_back(name);
+      if (directories_with.contains(name) && copies.emplace(name, user).second) to_read.push_back(name);
     };
-    for (auto const& [name, directories] : places) {
+    for (auto const& [name, directories] : directories_with) {
       for (std::string const& directory : directories) {
         for (auto const& [included, is_quoted] : includes_of(path_of(directory, name))) {
           if (!is_quoted || !is_in(included, directory)) add(included, path_of(directory, name));
         }
       }
     }
-    while (!open.empty()) {
-      const std::string name = open.back();
-      open.pop_back();
-      for (std::string const& directory : places.at(name)) {
+    while (!to_read.empty()) {
+      const std::string name = to_read.back();
+      to_read.pop_back();
+      for (std::string const& directory : directories_with.at(name)) {
         for (INCLUDE const& include : includes_of(path_of(directory, name))) {
           add(include.name, path_of(directory, name));
         }
@@ -178,22 +199,22 @@ private:
   }
 
   bool is_in(std::string const& name, std::string const& directory) const {
-    const auto place = places.find(name);
-    return place != places.end() && place->second.contains(directory);
+    const auto found = directories_with.find(name);
+    return found != directories_with.end() && found->second.contains(directory);
   }
 
   /// The paths of the name's files and of those that they may include, directly or not.
   NAMES needed_by(std::string const& source) {
     NAMES paths;
-    std::vector<std::string> open = {source};
-    while (!open.empty()) {
-      const auto place = places.find(open.back());
-      open.pop_back();
-      if (place == places.end()) continue;
-      for (std::string const& directory : place->second) {
-        const std::string path = path_of(directory, place->first);
+    std::vector<std::string> to_read = {source};
+    while (!to_read.empty()) {
+      const auto found = directories_with.find(to_read.back());
+      to_read.pop_back();
+      if (found == directories_with.end()) continue;
+      for (std::string const& directory : found->second) {
+        const std::string path = path_of(directory, found->first);
         if (!paths.insert(path).second) continue;
-        for (INCLUDE const& include : includes_of(path)) open.push_back(fs::path(include.name).filename().string());
+        for (INCLUDE const& include : includes_of(path)) to_read.push_back(fs::path(include.name).filename().string());
       }
     }
     return paths;
@@ -203,6 +224,19 @@ private:
 } // namespace
 
 std::string path_of(std::string const& directory, std::string const& file) { return directory + '/' + file; }
+
+std::vector<INCLUDE> includes_in(fs::path const& path) {
+  std::vector<INCLUDE> includes;
+  std::error_code ignored;
+  if (!fs::is_regular_file(path, ignored)) return includes; // a pipe would wait for its writer
+  std::ostringstream text;
+  text << std::ifstream(path).rdbuf();
+  std::istringstream lines(without_comments(text.str()));
+  for (std::string line; std::getline(lines, line);) {
+    if (const auto include = included_by(line)) includes.push_back(*include);
+  }
+  return includes;
+}
 
 std::vector<std::string> reasons_to_refuse(fs::path const& root, std::set<std::string> const& directories) {
   TREE_CHECK check(root, directories);

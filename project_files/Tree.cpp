@@ -36,9 +36,9 @@ std::set<std::string> k_directories(fs::path const& root) {
   check_directory(root);
   std::set<std::string> names;
   for (fs::directory_entry const& entry : fs::directory_iterator(root)) {
-    std::error_code unknown;
+    std::error_code ignored;
     const std::string name = entry.path().filename().string();
-    if (name.starts_with('k') && entry.is_directory(unknown)) names.insert(name);
+    if (name.starts_with('k') && entry.is_directory(ignored)) names.insert(name);
   }
   if (names.empty()) throw std::runtime_error("no k* directory in " + root.string());
   return names;
@@ -49,25 +49,40 @@ KIND kind_of(std::string const& file) {
   return file.ends_with(".c") ? KIND::LIBRARY : KIND::HEADERS;
 }
 
+/// Names of headers that the file includes from other places alone, as types.h in <sys/types.h>: a scan does not tell
+/// them from the tree's own.
+std::set<std::string> foreign_headers(fs::path const& file) {
+  std::set<std::string> names, own;
+  for (INCLUDE const& include : includes_in(file)) {
+    const fs::path path = include.name;
+    if (!include.is_quoted) (path.has_parent_path() ? names : own).insert(path.filename());
+  }
+  for (std::string const& name : own) names.erase(name);
+  return names;
+}
+
 /// Hidden files are left out, as make does.
-TREE_DIRECTORY scan_directory(fs::path const& path) {
+TREE_DIRECTORY scan_directory(fs::path const& path, bool names_only = false) {
   check_directory(path);
   STRING path_text = path.c_str();
   TREE_DIRECTORY directory;
   KDIR_SCANNER scanner;
   scanner.all_names = true;
+  scanner.skip_includes = names_only;
   for (const bool headers : {false, true}) {
     scanner.scan_headers = headers;
     scanner.do_scan(path_text);
     for (int i = 0; i < scanner.found_files.size; ++i) {
       const std::string name = scanner.found_files[i].str;
-      std::error_code unknown;
-      if (name.starts_with('.') || fs::is_directory(path / name, unknown)) continue;
+      std::error_code ignored;
+      if (name.starts_with('.') || fs::is_directory(path / name, ignored)) continue;
       if (access((path / name).c_str(), R_OK) != 0) fail_to_read(path / name);
       auto& includes = directory.files[name];
       directory.kind = std::max(directory.kind, kind_of(name));
+      if (names_only) continue;
+      const auto foreign = foreign_headers(path / name);
       for (STRING const& included : *scanner.includes[i]) {
-        if (included.end_with(".h")) includes.insert(included.str);
+        if (included.end_with(".h") && !foreign.contains(included.str)) includes.insert(included.str);
       }
     }
   }
@@ -103,62 +118,87 @@ void find_uses(TREE& tree) {
   }
 }
 
-void tell_unused_headers(TREE const& tree) {
+/// Of a tree without programs, the libraries are for others.
+void tell_unused(TREE const& tree) {
   std::set<std::string> used;
-  for (auto const& [name, directory] : tree.directories) used.insert(directory.uses.begin(), directory.uses.end());
+  bool has_programs = false;
   for (auto const& [name, directory] : tree.directories) {
-    if (directory.kind != KIND::HEADERS || used.contains(name)) continue;
-    tell(name + " has no C files, and nothing uses its headers: left out of the make file");
+    used.insert(directory.uses.begin(), directory.uses.end());
+    has_programs |= directory.kind == KIND::EXECUTABLE;
+  }
+  for (auto const& [name, directory] : tree.directories) {
+    if (used.contains(name)) continue;
+    if (directory.kind == KIND::HEADERS) {
+      tell(name + " has no C files, and nothing uses its headers: left out of the make file");
+    } else if (directory.kind == KIND::LIBRARY && has_programs) {
+      tell("no other directory includes a header of " + name + " with <>: nothing links that library");
+    }
   }
 }
 
-/// Finds the order, and tells of each circle of directories, by going through what each uses, depth first.
+/// Finds the order, and tells of each cycle of directories: Tarjan's algorithm for strongly connected components.
 class ORDER {
 public:
   explicit ORDER(TREE& found) : tree(found) {}
 
   void find() {
     for (auto const& [name, directory] : tree.directories) {
-      if (!numbers.contains(name)) visit(name);
+      if (!index.contains(name)) visit(name);
     }
   }
 
 private:
-  static constexpr int in_no_open_circle = INT_MAX;
+  static constexpr int in_finished_component = INT_MAX;
 
   TREE& tree;
-  std::map<std::string, int> numbers; // in the order of the first visits
-  std::vector<std::string> open;      // visited, but their circles may still grow
+  std::map<std::string, int> index; // in the order of the first visits
+  std::vector<std::string> stack;   // visited, but their components may still grow
 
-  /// Returns the lowest number that a way from there leads back to.
+  /// Returns the lowlink: the lowest index on the stack that a way from there leads to.
   int visit(std::string const& name) {
-    const int number = static_cast<int>(numbers.size());
-    int lowest = numbers[name] = number;
-    open.push_back(name);
+    const int own_index = static_cast<int>(index.size());
+    int lowlink = index[name] = own_index;
+    stack.push_back(name);
     for (std::string const& used : tree.directories.at(name).uses) {
-      const auto visited = numbers.find(used);
-      lowest = std::min(lowest, visited == numbers.end() ? visit(used) : visited->second);
+      const auto visited = index.find(used);
+      lowlink = std::min(lowlink, visited == index.end() ? visit(used) : visited->second);
     }
     tree.order.push_back(name);
-    if (lowest < number) return lowest;
-    close_circle(name);
-    return in_no_open_circle;
+    if (lowlink < own_index) return lowlink;
+    finish_component(name);
+    return in_finished_component;
   }
 
-  void close_circle(std::string const& first) {
-    const auto start = std::find(open.begin(), open.end(), first);
-    std::sort(start, open.end());
-    std::string names;
-    for (auto name = start; name != open.end(); ++name) {
-      numbers[*name] = in_no_open_circle;
-      names += ' ' + *name;
+  void finish_component(std::string const& first) {
+    const auto start = std::find(stack.begin(), stack.end(), first);
+    std::sort(start, stack.end());
+    std::string cycle;
+    for (auto name = start; name != stack.end(); ++name) {
+      index[*name] = in_finished_component;
+      cycle += ' ' + *name;
     }
-    if (open.end() - start > 1) tell("these directories need each other:" + names);
-    open.erase(start, open.end());
+    if (stack.end() - start > 1) tell("these directories need each other:" + cycle);
+    stack.erase(start, stack.end());
   }
 };
 
+void refuse(fs::path const& root, std::set<std::string> const& directories) {
+  std::string refusal;
+  for (std::string const& reason : reasons_to_refuse(root, directories)) {
+    refusal += (refusal.empty() ? "" : "\nproject_files: ") + reason;
+  }
+  if (!refusal.empty()) throw std::runtime_error(refusal);
+}
+
 } // namespace
+
+void check_tree(fs::path const& root) {
+  std::set<std::string> scanned;
+  for (std::string const& name : k_directories(root)) {
+    if (!scan_directory(root / name, true).files.empty()) scanned.insert(name);
+  }
+  refuse(root, scanned);
+}
 
 TREE scan_tree(fs::path const& root) {
   TREE tree;
@@ -173,27 +213,23 @@ TREE scan_tree(fs::path const& root) {
     tree.directories[name] = std::move(directory);
     scanned.insert(name);
   }
-  std::string refusal;
-  for (std::string const& reason : reasons_to_refuse(root, scanned)) {
-    refusal += (refusal.empty() ? "" : "\nproject_files: ") + reason;
-  }
-  if (!refusal.empty()) throw std::runtime_error(refusal);
+  refuse(root, scanned);
   find_owners(tree);
   find_uses(tree);
-  tell_unused_headers(tree);
+  tell_unused(tree);
   ORDER(tree).find();
   return tree;
 }
 
 std::vector<std::string> used_by(TREE const& tree, std::string const& user, KIND kind) {
   std::set<std::string> found;
-  std::vector<std::string> open = {user}, result;
-  while (!open.empty()) {
-    TREE_DIRECTORY const& directory = tree.directories.at(open.back());
-    open.pop_back();
+  std::vector<std::string> to_visit = {user}, result;
+  while (!to_visit.empty()) {
+    TREE_DIRECTORY const& directory = tree.directories.at(to_visit.back());
+    to_visit.pop_back();
     for (std::string const& used : directory.uses) {
-      const KIND its = tree.directories.at(used).kind;
-      if ((its == kind || its == KIND::HEADERS) && found.insert(used).second) open.push_back(used);
+      const KIND used_kind = tree.directories.at(used).kind;
+      if ((used_kind == kind || used_kind == KIND::HEADERS) && found.insert(used).second) to_visit.push_back(used);
     }
   }
   for (std::string const& name : tree.order) {

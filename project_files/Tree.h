@@ -23,8 +23,10 @@ struct TREE {
   std::map<std::string, std::string> owners; // the first directory with a file of a name
 };
 
-/// Scans the tree and tells what its user should know. Throws std::runtime_error if it cannot be read, or, with a line
-/// for each reason, if make would not build it.
+/// Throws std::runtime_error, with a line for each reason, if make would not build the tree, or build it wrongly.
+void check_tree(std::filesystem::path const& root);
+
+/// Scans the tree and tells what its user should know. Throws as `check_tree` does, and if it cannot be read.
 TREE scan_tree(std::filesystem::path const& root);
 
 /// The directories of `kind` that `user` uses, directly or through such and directories of headers, in build order.

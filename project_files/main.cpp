@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr char usage[] = R"(usage: project_files [--public] [TREE]
+constexpr char usage[] = R"(usage: project_files [--public | --check] [TREE]
 
 Writes two files into TREE (the current directory by default) for its k* directories:
   kmakefile   builds them with GNU make: a directory with a main.c, Main.c or *_main.c is
@@ -23,10 +23,11 @@ Writes two files into TREE (the current directory by default) for its k* directo
               with those that use them
   keclipse    describes directories, files and includes for Eclipse
   --public    installs libraries into, and links them from, $(K7PATH)/PUBLIC
+  --check     writes nothing, and tells only what it would refuse
 
-Includes count as #include <NAME>: `# include` and names in quotes are not seen,
-nor are files with the ".c" of a suffix in their names twice, such as g.code.c;
-of <sys/types.h> only types.h counts, also when the tree has one of its own.
+Includes count as #include <NAME>: `# include`, names in quotes and names with
+directories, such as <sys/types.h>, are not seen, nor are files with the ".c" of
+a suffix in their names twice, such as g.code.c.
 )";
 
 void write_make_file(TREE const& tree, bool install_public, std::ostream& out, std::ostream& progress) {
@@ -93,7 +94,6 @@ public:
     const bool is_there = stat(path.c_str(), &old) == 0;
     if (is_there && !S_ISREG(old.st_mode)) throw std::runtime_error(failure + ": not a regular file");
     target = fs::weakly_canonical(path);
-    check(!is_there || may_replace(old));
     temporary = target.parent_path() / ("." + path.filename().string() + ".new");
     unlink(temporary.c_str()); // left by a run that was killed
     text.open(temporary);
@@ -117,15 +117,6 @@ private:
   const std::string failure;
   fs::path target, temporary;
 
-  /// In a sticky directory, the owner of the file or of the directory may.
-  bool may_replace(struct stat const& file) const {
-    struct stat directory = {};
-    if (stat(target.parent_path().c_str(), &directory) != 0 || (directory.st_mode & S_ISVTX) == 0) return true;
-    errno = EPERM;
-    const uid_t user = geteuid();
-    return user == 0 || user == file.st_uid || user == directory.st_uid;
-  }
-
   void check(bool done) const {
     if (!done) throw std::system_error(errno, std::generic_category(), failure);
   }
@@ -148,10 +139,15 @@ int main(int argc, char* argv[]) {
     return 0;
   }
   const bool install_public = std::erase(arguments, "--public") > 0;
+  const bool only_check = std::erase(arguments, "--check") > 0;
   const fs::path root = arguments.empty() ? "." : arguments[0];
   if (root.string().starts_with('-')) return cannot_take(root);
   if (arguments.size() > 1) return cannot_take(arguments[1]);
   try {
+    if (only_check) {
+      check_tree(root);
+      return 0;
+    }
     const TREE tree = scan_tree(root);
     NEW_VERSION make_file(root / "kmakefile"), eclipse_file(root / "keclipse");
     std::ostringstream progress;

@@ -27,11 +27,9 @@ void assign(std::span<SOURCE_FILE*> files, std::span<SOURCE_DIR*> dirs) {
   }
 }
 
-void write_count(std::ostream& out, std::size_t count) { out << itoa(static_cast<int>(count)) << '\n'; }
-
 template <class NODE>
 void write_names(std::ostream& out, std::span<NODE*> nodes) {
-  write_count(out, nodes.size());
+  out << nodes.size() << '\n';
   for (NODE const* node : nodes) out << node->name << '\n';
 }
 
@@ -58,7 +56,7 @@ void ECLIPSE_PROJECT::write(std::ostream& out) {
   for (SOURCE_DIR* dir : all_dirs) {
     write_names(out, elements(&dir->refs));
     const auto own_files = elements(&dir->files);
-    write_count(out, own_files.size());
+    out << own_files.size() << '\n';
     for (SOURCE_FILE* file : own_files) {
       out << file->name << '\n';
       write_names(out, elements(&file->refs));

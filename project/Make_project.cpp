@@ -1,11 +1,14 @@
 #include "project/Make_project.h"
 
+#include <cstdlib>
 #include <fstream>
+#include <initializer_list>
 #include <iostream>
 #include <span>
+#include <string>
 #include <string_view>
 #include <unordered_set>
-#include <vector>
+#include <utility>
 
 #include "project/Elements.h"
 
@@ -121,7 +124,7 @@ constexpr std::string_view library_note =
     R"(#   a single global implicit rule is not convenient as it is analysed after all make function/routines
 )";
 
-constexpr std::string_view trailer = R"(#
+constexpr std::string_view targets = R"(#
 # targets
 #
 
@@ -133,10 +136,12 @@ INC_ALL_DIRS = $(foreach ddir,«all dirs»,-I$(ddir))
 
 report_at_end : make_all_dirs «last target»
 
-«rules»#
+)";
+
+constexpr std::string_view dependencies = R"(#
 # include all deps
 #
-«dependencies»
+«all dependencies»
 $(OBJDIR):
 	@echo Creating $(OBJDIR)
 	mkdir $(OBJDIR)
@@ -168,17 +173,28 @@ constexpr std::string_view public_tree_option = " -L$(K7PATH)/$(DBG)lib-$(K7MACH
 constexpr std::string_view link_from_public_tree = "-l«name» ";
 constexpr std::string_view link_in_place = "-l$(DBG)«name» ";
 
-/// Writes one of the texts above, calling `fill_in` with each name in it to write what stands there.
-template <class FILL_IN>
-void write_text(std::ostream& out, std::string_view text, FILL_IN fill_in) {
+using HOLES = std::initializer_list<std::pair<std::string_view, std::string>>;
+
+std::string_view find_hole(HOLES holes, std::string_view name) {
+  for (auto const& [given, content] : holes) {
+    if (given == name) return content;
+  }
+  if (name.empty()) return "";
+  std::cerr << "Nothing to fill in for " << name << " in a text of the make file\n";
+  std::abort();
+}
+
+/// One of the texts above with its holes filled. One that is not among `holes` ends the program.
+std::string fill(std::string_view text, HOLES holes) {
   constexpr std::string_view opening = "«", closing = "»";
+  std::string filled;
   for (std::size_t at = 0; (at = text.find(opening)) != std::string_view::npos;) {
     const std::size_t name = at + opening.size(), end = text.find(closing);
-    out << text.substr(0, at);
-    fill_in(text.substr(name, end - name));
+    filled += text.substr(0, at);
+    filled += find_hole(holes, text.substr(name, end - name));
     text.remove_prefix(end + closing.size());
   }
-  out << text;
+  return filled += text;
 }
 
 class MAKE_FILE_WRITER {
@@ -190,7 +206,7 @@ public:
   }
 
   void write() {
-    write_text(out, preamble, [](std::string_view) {});
+    out << fill(preamble, {});
     int index = 0;
     for (MAKE_LIB const* library : libraries) {
       progress << "Lib " << library->name << std::endl;
@@ -200,7 +216,9 @@ public:
       progress << "Target " << executable->name << std::endl;
       write_block(index++, executable->name, executable->dirs, false);
     }
-    write_trailer();
+    out << fill(targets, {{"all dirs", for_each_index(all_dirs_entry)}, {"last target", last_target()}});
+    write_rules();
+    out << fill(dependencies, {{"all dependencies", for_each_index(dependencies_entry)}});
   }
 
 private:
@@ -217,57 +235,30 @@ private:
 
   bool is_library(STRING const& directory) const { return library_names.contains(directory.str); }
 
-  std::vector<STRING const*> libraries_of(MAKE_TARGET const& executable) const {
-    std::vector<STRING const*> names;
-    for (STRING const& directory : executable.dirs) {
-      if (is_library(directory)) names.push_back(&directory);
-    }
-    return names;
-  }
-
-  /// Writes a text with one thing to fill in, a name or an index.
-  void write_with(std::string_view text, STRING const& value) {
-    write_text(out, text, [&](std::string_view) { out << value; });
-  }
+  static std::string with_name(std::string_view text, STRING const& name) { return fill(text, {{"name", name.str}}); }
 
   void write_block(int index, STRING const& name, LIST<STRING> const& dirs, bool for_library) {
-    write_text(out, block, [&](std::string_view what) {
-      if (what == "i") {
-        out << itoa(index);
-      } else if (what == "name") {
-        out << name;
-      } else if (what == "gap" && !for_library) {
-        out << ' ';
-      } else if (what == "library note" && for_library) {
-        out << library_note;
-      } else if (what == "dirs") {
-        for (STRING const& directory : dirs) {
-          if (for_library || !is_library(directory)) out << directory << ' ';
-        }
-      }
-    });
-  }
-
-  void write_trailer() {
-    write_text(out, trailer, [&](std::string_view what) {
-      if (what == "all dirs") write_for_each_index(all_dirs_entry);
-      if (what == "last target") write_last_target();
-      if (what == "rules") write_rules();
-      if (what == "dependencies") write_for_each_index(dependencies_entry);
-    });
-  }
-
-  void write_for_each_index(std::string_view text) {
-    const int count = static_cast<int>(libraries.size() + executables.size());
-    for (int i = 0; i < count; ++i) write_with(text, itoa(i));
-  }
-
-  void write_last_target() {
-    if (!executables.empty()) {
-      write_with(executable_file, executables.back()->name);
-    } else if (!libraries.empty()) {
-      write_with(library_file, libraries.back()->name);
+    std::string own_dirs;
+    for (STRING const& directory : dirs) {
+      if (for_library || !is_library(directory)) (own_dirs += directory.str) += ' ';
     }
+    out << fill(block, {{"i", itoa(index).str},
+                        {"name", name.str},
+                        {"dirs", own_dirs},
+                        {"gap", for_library ? "" : " "},
+                        {"library note", std::string(for_library ? library_note : "")}});
+  }
+
+  std::string for_each_index(std::string_view text) const {
+    std::string all;
+    const int count = static_cast<int>(libraries.size() + executables.size());
+    for (int i = 0; i < count; ++i) all += fill(text, {{"i", itoa(i).str}});
+    return all;
+  }
+
+  std::string last_target() const {
+    if (!executables.empty()) return with_name(executable_file, executables.back()->name);
+    return libraries.empty() ? "" : with_name(library_file, libraries.back()->name);
   }
 
   /// The rules, the last target's first.
@@ -278,31 +269,25 @@ private:
   }
 
   void write_library_rule(int index, STRING const& name) {
-    write_text(out, library_rule, [&](std::string_view what) {
-      if (what == "i") out << itoa(index);
-      if (what == "target") write_with(library_file, name);
-      if (what == "install" && install_public) out << "-inst ";
-      if (what == "output") write_with(library_output, name);
-    });
+    out << fill(library_rule, {{"i", itoa(index).str},
+                               {"target", with_name(library_file, name)},
+                               {"install", install_public ? "-inst " : ""},
+                               {"output", with_name(library_output, name)}});
   }
 
   void write_executable_rule(int index, MAKE_TARGET const& executable) {
-    const auto linked = libraries_of(executable);
-    write_text(out, executable_rule, [&](std::string_view what) {
-      if (what == "i") out << itoa(index);
-      if (what == "name") out << executable.name;
-      if (what == "target") write_with(executable_file, executable.name);
-      if (what == "public tree" && install_public) out << public_tree_option;
-      if (what == "libraries") {
-        for (STRING const* library : linked) {
-          write_with(library_file, *library);
-          out << ' ';
-        }
-      }
-      if (what == "links") {
-        for (STRING const* library : linked) write_with(link_option, *library);
-      }
-    });
+    std::string files, options;
+    for (STRING const& directory : executable.dirs) {
+      if (!is_library(directory)) continue;
+      files += with_name(library_file, directory) + ' ';
+      options += with_name(link_option, directory);
+    }
+    out << fill(executable_rule, {{"i", itoa(index).str},
+                                  {"name", executable.name.str},
+                                  {"target", with_name(executable_file, executable.name)},
+                                  {"libraries", files},
+                                  {"public tree", std::string(install_public ? public_tree_option : "")},
+                                  {"links", options}});
   }
 };
 

@@ -130,7 +130,9 @@ int cannot_take(std::string const& argument) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-  for (int file = 0; file >= 0 && file <= 2;) file = open("/dev/null", O_RDWR); // no file becomes a standard stream
+  int file = 0;
+  while (file >= 0 && file <= 2) file = open("/dev/null", O_RDWR); // no other file becomes a standard stream
+  close(file);
   std::signal(SIGXFSZ, SIG_IGN);
   std::signal(SIGPIPE, SIG_IGN); // nobody needs to read what it prints
   std::vector<std::string> arguments(argv + 1, argv + argc);

@@ -25,9 +25,8 @@ Writes two files into TREE (the current directory by default) for its k* directo
   --public    installs libraries into, and links them from, $(K7PATH)/PUBLIC
   --check     writes nothing, and tells only what it would refuse
 
-Includes count as #include <NAME>: `# include`, names in quotes and names with
-directories, such as <sys/types.h>, are not seen, nor are files with the ".c" of
-a suffix in their names twice, such as g.code.c.
+Includes count as #include <NAME>: `# include`, quotes and <sys/types.h> are not
+seen, nor are files with the ".c" of a suffix twice in their names: g.code.c.
 )";
 
 void write_make_file(TREE const& tree, bool install_public, std::ostream& out, std::ostream& progress) {

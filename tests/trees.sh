@@ -18,7 +18,8 @@ build() { # GOAL...: prints what is compiled and linked, in order, or what make 
   sed -n 's/^cc .*-o \([^ ]*\).*/\1/p; s/^Klink .*-o \([^ ]*\).*/\1/p' log | sed 's,.*/,,' | paste -s -d ' '
 }
 two_directories() { # what most cases start with: ka is built, a program that prints x() and what it gets from kb, b()
-  put ka/main.c '#include <stdio.h>' '#include <b.h>' 'int x(void);' 'int main(void) { return !printf("%d %d\n", x(), b()); }'
+  put ka/main.c '#include <stdio.h>' '#include <b.h>' 'int x(void);' \
+    'int main(void) { return !printf("%d %d\n", x(), b()); }'
   put ka/x.c 'int x(void) { return 1; }'
   put kb/b.h 'int b(void);'
   put kb/b.c '#include <b.h>' 'int b(void) { return 2; }'

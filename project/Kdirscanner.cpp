@@ -87,8 +87,8 @@ void KDIR_SCANNER::reset() {
 bool KDIR_SCANNER::is_wanted(char const* name) const { return all_names || (*name >= 'A' && *name <= 'Z'); }
 
 void KDIR_SCANNER::read_includes(char const* file_name, BUFF_LIST<STRING>& names) const {
-  std::error_code unknown;
-  if (!std::filesystem::is_regular_file(file_name, unknown)) return; // opening a pipe would wait for its writer
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(file_name, ignored)) return; // opening a pipe would wait for its writer
   std::ifstream file(file_name);
   char line[4096];
   while (file.good()) {

@@ -11,7 +11,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Where what begins at `start` ends: a comment, a literal, a line's end that does not count, or a character.
+/// Where what begins at `start` ends: a comment, a literal, a line's end that does not count, or plain text.
 std::size_t end_of_token(std::string_view text, std::size_t start) {
   if (text.substr(start, 2) == "\\\n") return start + 2;
   if (text.substr(start, 2) == "/*") return std::min(text.find("*/", start + 2), text.size() - 2) + 2;
@@ -22,7 +22,7 @@ std::size_t end_of_token(std::string_view text, std::size_t start) {
   }
   const char quote = text[start];
   std::size_t end = start + 1;
-  if (quote != '"' && quote != '\'') return end;
+  if (quote != '"' && quote != '\'') return std::min(text.find_first_of("\\/\"'", end), text.size());
   while (end < text.size() && text[end] != quote && text[end] != '\n') end += text[end] == '\\' ? 2 : 1;
   return std::min(end + 1, text.size());
 }
@@ -66,20 +66,20 @@ public:
       check_name(directory, directory);
       for (std::string const& name : names_in(root / directory)) {
         if (name.ends_with(".c") || name.ends_with(".k") || name.ends_with(".h"))
-          directories_with[name].insert(directory);
+          directories_of[name].insert(directory);
       }
     }
   }
 
   void check_names() {
-    for (auto const& [name, directories] : directories_with) {
+    for (auto const& [name, directories] : directories_of) {
       for (std::string const& directory : directories) check_name(name, path_of(directory, name));
     }
   }
 
   /// The objects of all directories go into one.
   void check_objects() {
-    for (auto const& [name, directories] : directories_with) {
+    for (auto const& [name, directories] : directories_of) {
       if (name.ends_with(".h")) continue;
       const std::string first = path_of(*directories.begin(), name);
       for (auto other = std::next(directories.begin()); other != directories.end(); ++other) {
@@ -89,8 +89,8 @@ public:
     for (std::string const& name : names_in(root)) {
       if (!name.ends_with(".c")) continue;
       for (std::string const& source : {name, name.substr(0, name.size() - 1) + 'k'}) {
-        const auto found = directories_with.find(source);
-        if (found == directories_with.end()) continue;
+        const auto found = directories_of.find(source);
+        if (found == directories_of.end()) continue;
         note({name, " would be compiled in place of ", path_of(*found->second.begin(), source)});
       }
     }
@@ -100,7 +100,7 @@ public:
   /// themselves. So each may be included only where its own directory comes first.
   void check_headers() {
     std::map<std::string, std::string> ambiguous; // names, with the paths that have them
-    for (auto const& [name, directories] : directories_with) {
+    for (auto const& [name, directories] : directories_of) {
       if (!name.ends_with(".h") || directories.size() == 1) continue;
       for (std::string const& directory : directories) {
         std::string& paths = ambiguous[name];
@@ -119,13 +119,13 @@ public:
   /// In the names that a C file depends on, make looks for the name of its object.
   void check_dependencies() {
     std::set<std::string> suspicious;
-    for (auto const& [name, directories] : directories_with) {
+    for (auto const& [name, directories] : directories_of) {
       for (std::string const& directory : directories) {
         const std::string path = path_of(directory, name);
         if (path.find(".o") != std::string::npos) suspicious.insert(path);
       }
     }
-    for (auto const& [name, directories] : directories_with) {
+    for (auto const& [name, directories] : directories_of) {
       if (!name.ends_with(".c")) continue;
       const std::string object = name.substr(0, name.size() - 1) + 'o';
       for (std::string const& path : suspicious) {
@@ -140,7 +140,7 @@ private:
   using NAMES = std::set<std::string>;
 
   const fs::path root;
-  std::map<std::string, NAMES> directories_with; // by the names of files
+  std::map<std::string, NAMES> directories_of; // by the names of files
   std::map<std::string, std::vector<INCLUDE>> includes;
 
   /// Hidden files are left out, as make does.
@@ -177,9 +177,9 @@ private:
     std::map<std::string, std::string> copies;
     std::vector<std::string> to_read;
     const auto add = [&](std::string const& name, std::string const& user) {
-      if (directories_with.contains(name) && copies.emplace(name, user).second) to_read.push_back(name);
+      if (directories_of.contains(name) && copies.emplace(name, user).second) to_read.push_back(name);
     };
-    for (auto const& [name, directories] : directories_with) {
+    for (auto const& [name, directories] : directories_of) {
       for (std::string const& directory : directories) {
         for (auto const& [included, is_quoted] : includes_of(path_of(directory, name))) {
           if (!is_quoted || !is_in(included, directory)) add(included, path_of(directory, name));
@@ -189,7 +189,7 @@ private:
     while (!to_read.empty()) {
       const std::string name = to_read.back();
       to_read.pop_back();
-      for (std::string const& directory : directories_with.at(name)) {
+      for (std::string const& directory : directories_of.at(name)) {
         for (INCLUDE const& include : includes_of(path_of(directory, name))) {
           add(include.name, path_of(directory, name));
         }
@@ -199,8 +199,8 @@ private:
   }
 
   bool is_in(std::string const& name, std::string const& directory) const {
-    const auto found = directories_with.find(name);
-    return found != directories_with.end() && found->second.contains(directory);
+    const auto found = directories_of.find(name);
+    return found != directories_of.end() && found->second.contains(directory);
   }
 
   /// The paths of the name's files and of those that they may include, directly or not.
@@ -208,9 +208,9 @@ private:
     NAMES paths;
     std::vector<std::string> to_read = {source};
     while (!to_read.empty()) {
-      const auto found = directories_with.find(to_read.back());
+      const auto found = directories_of.find(to_read.back());
       to_read.pop_back();
-      if (found == directories_with.end()) continue;
+      if (found == directories_of.end()) continue;
       for (std::string const& directory : found->second) {
         const std::string path = path_of(directory, found->first);
         if (!paths.insert(path).second) continue;

@@ -11,11 +11,17 @@ void write_tokens(int count) {
   for (long i = 0; i < count; ++i) out << i * 79 % 10007 << (i % 10 == 9 ? '\n' : ' ');
 }
 
+/// Writes a file "lines" of lines of 70 characters.
+void write_lines(int count) {
+  std::ofstream out("lines");
+  for (int i = 0; i < count; ++i) out << std::string(70, static_cast<char>('a' + i % 26)) << '\n';
+}
+
 /// Reads a whole file with `read`, which reads one item.
 template <class FILE_TYPE, class READ>
-auto whole(READ read) {
+auto whole(READ read, char const* name = "tokens") {
   return [=] {
-    FILE_TYPE file("tokens", std::ios_base::in);
+    FILE_TYPE file(name, std::ios_base::in);
     while (read(file)) continue;
   };
 }
@@ -56,12 +62,13 @@ void locate_end() {
 int main(int argc, char* argv[]) {
   return run_benchmarks(argc, argv, [] {
     write_tokens(100'000);
+    write_lines(10'000);
     compare("getSTRING against tellg and >>", whole<ASCII_FILE>(token), whole<std::ifstream>(after_tellg<std_token>));
     compare("getint against getSTRING", whole<ASCII_FILE>(integer), whole<ASCII_FILE>(token));
-    compare("getline against tellg and std::getline", whole<ASCII_FILE>(line),
-            whole<std::ifstream>(after_tellg<std_line>));
+    compare("getline against tellg and std::getline", whole<ASCII_FILE>(line, "lines"),
+            whole<std::ifstream>(after_tellg<std_line>, "lines"));
     compare("getSTRING against >>", whole<ASCII_FILE>(token), whole<std::ifstream>(std_token));
-    compare("getline against std::getline", whole<ASCII_FILE>(line), whole<std::ifstream>(std_line));
+    compare("getline against std::getline", whole<ASCII_FILE>(line, "lines"), whole<std::ifstream>(std_line, "lines"));
     compare("get_file_info against reading in blocks", locate_end, read_blocks);
     grow("getSTRING", 1000, 10'000'000, [](int n) { return write_tokens(n), whole<ASCII_FILE>(token); });
     grow("getint", 1000, 10'000'000, [](int n) { return write_tokens(n), whole<ASCII_FILE>(integer); });

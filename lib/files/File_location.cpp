@@ -36,15 +36,18 @@ void ASCII_FILE::get_file_info(STRING& file, int& line) {
 
   line = 1;
   std::string text;
-  char c = '\0';
-  for (std::streamoff left = position; left > 0 && take_character(f, c) == std::ios_base::goodbit; --left) {
+  std::streamoff left = std::max<std::streamoff>(position, 0);
+  pass_while(f, [&](char c) {
+    if (left-- == 0) return false;
     if (c != '\0') text += c;
-    if (!ends_line(c)) continue;
-    if (line < INT_MAX) ++line;
-    apply_marker(text, file, line);
-    text.clear();
-  }
-  if (position > 0) f.previous_pos = position - 1;
+    if (ends_line(c)) {
+      if (line < INT_MAX) ++line;
+      apply_marker(text, file, line);
+      text.clear();
+    }
+    return true;
+  });
+  if (position > 0) f.previous_pos = position - 1; // where its last character was read
   f.success = success_before;
 }
 

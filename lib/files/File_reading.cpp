@@ -23,15 +23,10 @@ constexpr auto in_token = [](char c) { return token_characters[static_cast<unsig
 constexpr auto in_line = [](char c) { return !ends_line(c) && c != '\0'; };
 bool starts_comment(char c) { return c == '%' || c == '#'; }
 
-/// Takes the characters at the front of the stream that `belongs` accepts into `text`. Returns what `pass_while`
-/// returns.
+/// Takes the characters at the front of the file that `belongs` accepts into `text`. Returns what `pass_while` returns.
 template <class BELONGS>
-ios_base::iostate gather_while(std::istream& in, BELONGS belongs, std::string& text) {
-  return pass_while(in, [&](char c) {
-    const bool accepted = belongs(c);
-    if (accepted) text += c;
-    return accepted;
-  });
+ios_base::iostate gather_while(ASCII_FILE& file, BELONGS belongs, std::string& text) {
+  return take_while(file, belongs, [&](char const* first, char const* last) { text.append(first, last); });
 }
 
 /// Moves to the first character of a token. Returns what `pass_while` returns.
@@ -75,7 +70,8 @@ STRING own_token(ASCII_FILE& file) {
   return token;
 }
 
-/// Reads the next line with its comment, and drops its end. Returns whether there was one.
+/// Reads the next line with its comment, and drops its end. Returns whether there was one: a last character alone, as
+/// in "ab\nc" or "ab\n\r", is none, and is lost.
 bool read_line(ASCII_FILE& file, std::string& line) {
   ios_base::iostate state = pass_while(file, [](char c) { return c == '\n'; });
   if (state != ios_base::goodbit) {
@@ -84,19 +80,15 @@ bool read_line(ASCII_FILE& file, std::string& line) {
     return false;
   }
   state = gather_while(file, in_line, line);
-  const bool ended = state == ios_base::goodbit;
-  char terminator = '\0';
-  if (ended) take_character(file, terminator);
-  // It counts as a line only if two characters are there to be read, its end and what follows it included.
-  const bool single = line.size() + (ended ? 1 : 0) < 2;
-  if (single && ended) state = pass_while(file, [](char) { return false; });
-  const bool none = single && state != ios_base::goodbit;
-  if (none) {
-    file.set_position();
-    line.clear();
+  if (state == ios_base::goodbit) {
+    char terminator = '\0';
+    take_character(file, terminator);
+    if (line.empty()) state = peek_character(file);
   }
-  if (none || !ended) file.setstate(state);
-  return !none;
+  const bool found = state == ios_base::goodbit || line.size() > 1;
+  if (!found) file.set_position();
+  file.setstate(state);
+  return found;
 }
 
 /// Returns what was read from the file; if that was on another line, it is put back and the result is empty.
@@ -140,7 +132,8 @@ STRING ASCII_FILE::getline() {
   const std::streamoff start = get_position();
   std::string line;
   success = read_line(*this, line);
-  if (success) previous_pos = start;
+  if (!success) return "";
+  previous_pos = start;
   std::string_view text = line;
   if (skip_comments != 0) {
     for (const char mark : {'%', '#'}) text = text.substr(0, text.find(mark));

@@ -6,36 +6,66 @@
 /// Each of the two counts as a line end of its own.
 inline bool ends_line(char c) { return c == '\n' || c == '\r'; }
 
-/// Takes the characters at the front of the stream that `belongs` accepts; the first that it refuses stays. Returns,
-/// but does not set, the state that `get` would set then: no bits before a character, else eofbit or badbit with
-/// failbit.
+/// Lets `read` use the stream's buffer and tell whether it met the end. Returns, but does not set, the state that `get`
+/// would set then: no bits before the end, else eofbit or badbit with failbit.
 ///
-/// Reads the stream's buffer, since the stream's own `get` prepares anew for each character, which takes longer than
-/// all that is done with it.
-template <class BELONGS>
-std::ios_base::iostate pass_while(std::istream& in, BELONGS belongs) {
+/// The stream's own `get` prepares anew for each character, which takes longer than all that is done with it.
+template <class READ>
+std::ios_base::iostate read_buffer(std::istream& in, READ read) {
   using std::ios_base;
-  using traits = std::char_traits<char>;
   if (!in.good()) return ios_base::failbit;
   try {
-    std::streambuf& buffer = *in.rdbuf();
-    int next = buffer.sgetc();
-    while (next != traits::eof() && belongs(traits::to_char_type(next))) next = buffer.snextc();
-    return next == traits::eof() ? ios_base::eofbit | ios_base::failbit : ios_base::goodbit;
-  } catch (std::bad_alloc const&) { // of `belongs`
+    return read(*in.rdbuf()) ? ios_base::eofbit | ios_base::failbit : ios_base::goodbit;
+  } catch (std::bad_alloc const&) { // of what `read` calls
     throw;
   } catch (...) { // a directory, for one, opens but cannot be read
     return ios_base::badbit | ios_base::failbit;
   }
 }
 
-/// Takes the next character. Returns what `pass_while` returns.
+inline bool is_end(int character) { return character == std::char_traits<char>::eof(); }
+
+/// Takes the next character. Returns what `read_buffer` returns.
 inline std::ios_base::iostate take_character(std::istream& in, char& c) {
-  const auto keep = [&](char next) {
-    c = next;
-    return false;
-  };
-  const std::ios_base::iostate state = pass_while(in, keep);
-  if (state == std::ios_base::goodbit) in.rdbuf()->sbumpc();
-  return state;
+  return read_buffer(in, [&](std::streambuf& buffer) {
+    const int next = buffer.sbumpc();
+    c = std::char_traits<char>::to_char_type(next);
+    return is_end(next);
+  });
+}
+
+/// Looks whether there is a next character. Returns what `read_buffer` returns.
+inline std::ios_base::iostate peek_character(std::istream& in) {
+  return read_buffer(in, [](std::streambuf& buffer) { return is_end(buffer.sgetc()); });
+}
+
+/// Names for what is protected in a buffer: without them, each character would cost a call.
+struct BUFFER : std::streambuf {
+  static constexpr auto first = &BUFFER::gptr;
+  static constexpr auto last = &BUFFER::egptr;
+  static constexpr auto drop = &BUFFER::gbump;
+};
+
+/// Takes the characters at the front of a file that `belongs` accepts, and hands them to `keep` in blocks; the first
+/// that it refuses stays. Returns what `read_buffer` returns.
+template <class BELONGS, class KEEP>
+std::ios_base::iostate take_while(std::istream& file, BELONGS belongs, KEEP keep) {
+  return read_buffer(file, [&](std::streambuf& buffer) {
+    while (!is_end(buffer.sgetc())) {
+      char const* const first = (buffer.*BUFFER::first)();
+      char const* const last = (buffer.*BUFFER::last)();
+      char const* refused = first;
+      while (refused != last && belongs(*refused)) ++refused;
+      keep(first, refused);
+      (buffer.*BUFFER::drop)(static_cast<int>(refused - first));
+      if (refused != last) return false;
+    }
+    return true;
+  });
+}
+
+/// The same without keeping them.
+template <class BELONGS>
+std::ios_base::iostate pass_while(std::istream& file, BELONGS belongs) {
+  return take_while(file, belongs, [](char const*, char const*) {});
 }

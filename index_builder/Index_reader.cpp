@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iostream>
 #include <iterator>
+#include <limits>
 
 #include "lib/files/Stream_characters.h"
 
@@ -12,18 +13,6 @@ char Keym1[1000];
 namespace {
 
 constexpr std::size_t most_bytes = std::size(Key) - 1;
-
-/// Passes characters to `take` up to the first that it refuses, which is dropped. Leaves the stream failed if none is
-/// left.
-template <class TAKE>
-void read_through(std::fstream& in, TAKE take) {
-  const std::ios_base::iostate state = pass_while(in, take);
-  if (state == std::ios_base::goodbit) {
-    in.rdbuf()->sbumpc();
-  } else {
-    in.setstate(state);
-  }
-}
 
 void report_cut() {
   char beginning[40];
@@ -36,19 +25,22 @@ void report_cut() {
 } // namespace
 
 void swallow(std::fstream& in) {
-  read_through(in, [](char c) { return c != '{'; });
+  in.ignore(std::numeric_limits<std::streamsize>::max(), '{');
+  if (in.eof()) in.setstate(std::ios_base::failbit);
 }
 
 void get_key(std::fstream& in) {
   std::size_t length = 0;
   std::size_t depth = 0;
-  read_through(in, [&](char c) {
+  const std::ios_base::iostate state = pass_while(in, [&](char c) {
     if (c == '}' && depth-- == 0) return false;
     if (c == '{') ++depth;
     if (length < most_bytes) Key[length] = c;
     ++length;
     return true;
   });
+  char end = '\0';
+  in.setstate(state == std::ios_base::goodbit ? take_character(in, end) : state);
   Key[std::min(length, most_bytes)] = '\0';
   if (length > most_bytes) report_cut();
 }

@@ -1,9 +1,5 @@
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cctype>
 #include <charconv>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -14,6 +10,7 @@
 
 #include "index_builder/Index_reader.h"
 #include "lib/files/File.h"
+#include "lib/files/Standard_streams.h"
 #include "lib/strings/Containers.h"
 #include "lib/strings/Stringpp.h"
 
@@ -110,31 +107,22 @@ bool build_index(std::fstream& sorted, std::ostream& out) {
 }
 
 void make_index(STRING const& input) {
-  ASCII_FILE output("kindex.tex", std::ios_base::out | std::ios_base::trunc);
+  ASCII_FILE index("kindex.tex", std::ios_base::out | std::ios_base::trunc);
   run_in_shell("cat " + input + " | sort -f > oo");
 
   ASCII_FILE sorted("oo", 0);
-  const bool any_entry = build_index(sorted, output);
-  std::error_code unknown; // some standard libraries take a directory for an empty file
-  if (!sorted.eof() || std::filesystem::is_directory("oo", unknown)) std::cerr << "kindex: cannot read oo\n";
+  const bool any_entry = build_index(sorted, index);
+  std::error_code error; // some standard libraries take a directory for an empty file
+  if (!sorted.eof() || std::filesystem::is_directory("oo", error)) std::cerr << "kindex: cannot read oo\n";
+  if (!index.flush()) std::cerr << "kindex: cannot write kindex.tex\n";
 
   if (any_entry) run_in_shell("rm -f oo");
-}
-
-/// Opens those standard streams that are closed: otherwise a file would take their place and receive messages.
-void complete_standard_streams() {
-  int file = STDIN_FILENO;
-  while (file >= 0 && file <= STDERR_FILENO) file = open("/dev/null", O_RDWR);
-  if (file >= 0) close(file);
 }
 
 } // namespace
 
 int main(int argc, char* argv[]) {
-  // Neither a closed standard error nor a limit on the size of files may end the run. Unlike SIG_IGN, a function is not
-  // inherited by what the shell runs.
-  for (const int fatal : {SIGPIPE, SIGXFSZ}) std::signal(fatal, [](int) {});
-  complete_standard_streams();
+  prepare_standard_streams();
   try {
     make_index(STRING(argc > 1 ? argv[1] : "") + ".idx");
   } catch (std::bad_alloc const&) {

@@ -1,12 +1,11 @@
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <fstream>
 #include <iostream>
 #include <sstream>
 
+#include "lib/files/Standard_streams.h"
 #include "project/Eclipse_project.h"
 #include "project/Make_project.h"
 #include "project_files/Tree.h"
@@ -129,11 +128,7 @@ int cannot_take(std::string const& argument) {
 } // namespace
 
 int main(int argc, char* argv[]) {
-  int file = 0;
-  while (file >= 0 && file <= 2) file = open("/dev/null", O_RDWR); // no other file becomes a standard stream
-  close(file);
-  std::signal(SIGXFSZ, SIG_IGN);
-  std::signal(SIGPIPE, SIG_IGN); // nobody needs to read what it prints
+  prepare_standard_streams();
   std::vector<std::string> arguments(argv + 1, argv + argc);
   if (std::erase(arguments, "--help") > 0) {
     std::cout << usage;

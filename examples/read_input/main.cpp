@@ -2,6 +2,8 @@
 //
 //   read_input garden.txt             the first mistake ends the program, with file and line
 //   read_input --check broken.txt     tells all mistakes
+//
+// The input has to be a file: a pipe cannot move back.
 
 #include <iostream>
 

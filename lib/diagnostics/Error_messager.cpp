@@ -1,5 +1,6 @@
 #include "lib/diagnostics/Error_messager.h"
 
+#include <cassert>
 #include <cstdlib>
 #include <iostream>
 
@@ -74,7 +75,10 @@ void ERROR_MESSAGER::message(STRING text) { cerr << text << endl; }
 
 void ERROR_MESSAGER::alert(STRING text) { cerr << text << endl; }
 
-void ERROR_MESSAGER::reassign_error_messager(ERROR_MESSAGER* messager) { active_error_messager = messager; }
+void ERROR_MESSAGER::reassign_error_messager(ERROR_MESSAGER* messager) {
+  assert(messager != nullptr);
+  active_error_messager = messager;
+}
 
 void ERROR_MESSAGER::EXIT() { active_error_messager->do_EXIT(); }
 

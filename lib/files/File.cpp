@@ -1,5 +1,6 @@
 #include "lib/files/File.h"
 
+#include <cassert>
 #include <filesystem>
 
 using std::ios_base;
@@ -15,8 +16,8 @@ namespace {
 constexpr int in_mode = ios_base::in, out_mode = ios_base::out, trunc_mode = ios_base::trunc;
 
 bool is_missing(STRING const& path) {
-  std::error_code unknown;
-  return !std::filesystem::exists(path.str, unknown) && !unknown;
+  std::error_code error;
+  return !std::filesystem::exists(path.str, error) && !error;
 }
 
 } // namespace
@@ -26,10 +27,7 @@ ASCII_FILE::ASCII_FILE() = default;
 ASCII_FILE::ASCII_FILE(char const* path, int open_mode) { open(path, open_mode); }
 
 ASCII_FILE::~ASCII_FILE() {
-  success = false;
   current_file = nullptr;
-  def_values.resize(0);
-  def_keys.resize(0);
   while (included_file != nullptr) { // one by one: a long chain would be a deep recursion
     ASCII_FILE* const inner = included_file;
     included_file = inner->included_file;
@@ -89,7 +87,11 @@ void ASCII_FILE::rewind() { goto_position_and_set_previous_pos(0); }
 
 void ASCII_FILE::back() { goto_position(previous_pos); }
 
-void ASCII_FILE::back1() { goto_position(std::streamoff(get_position()) - 1); }
+void ASCII_FILE::back1() {
+  const std::streamoff position = get_position();
+  assert(position > 0);
+  goto_position(position - 1);
+}
 
 int ASCII_FILE::get_next_char() {
   set_position();

@@ -13,8 +13,10 @@
 /// Each reader records where it began, so that `back` undoes it. A reader that fails only clears `success`, which you
 /// read as `ok`; broken macro definitions and incomplete lists of numbers are also reported to the `ERROR_MESSAGER`.
 ///
-/// A file that cannot be opened, or that was read to its end, has a failed stream; nothing is thrown or printed. Moving
-/// in a failed file opens it again by name first, and keeps its content. docs/reading.md tells how to go on at the end.
+/// A file that cannot be opened, or that was read to its end, has a failed stream; nothing is thrown or printed. A
+/// directory opens, and has ended. Moving in a failed file opens it again by name first, and keeps its content.
+/// docs/reading.md tells how to go on at the end. Readers move back, which a pipe cannot: what they read from one, such
+/// as a /dev/stdin that is piped, is mostly lost without a word.
 ///
 /// A file owns the file it includes. All positions are those of the file's own stream: what came from an included file
 /// cannot be put back. One thread only.
@@ -58,7 +60,8 @@ public:
   LIST<STRING> def_keys;
   LIST<STRING> def_values;
 
-  /// The file that the last token came from; null before the first token and after any `ASCII_FILE` was destroyed.
+  /// The file that the last token came from, which reports name; null before the first token and after any `ASCII_FILE`
+  /// was destroyed. `getline` leaves it alone.
   static ASCII_FILE* current_file;
 
   /// No file is open, and `success` is false.
@@ -134,7 +137,8 @@ public:
   /// nothing ends: that character is lost.
   STRING getline();
 
-  /// The next token as a decimal number; if it is none, it stays unread, the result is 0 and `ok` is false.
+  /// The next token as a decimal number, a sign alone as 0; if it is none, it stays unread, the result is 0 and `ok` is
+  /// false.
   int getint();
 
   /// The same for a token with a decimal point, see `STRING::if_double`. Moves back at the end of the file, too.
@@ -164,18 +168,20 @@ public:
   /// kept. A key cut short by the end of the file is reported and dropped.
   void add_def();
 
-  /// Records a macro in the outermost file. A key that is already there is reported; its first value stays in force.
+  /// Records a macro in the outermost file. A key that is already there is reported, and added all the same, but
+  /// its first value stays in force.
   void validate_def(STRING const& key, STRING const& value);
 
   /// Replaces `word` by the value of the macro of that name, if there is one, and returns it.
   STRING& def_mask(STRING& word);
 
   /// Makes tokens come from the file that the next token names, until that file ends; one that cannot be opened ends at
-  /// once. A file that includes itself does so until no more files can be opened: count the `parent_file`s. REQUIRES:
-  /// no file is being included by this one; such a file is dropped.
+  /// once. A file that includes itself does so until no more files can be opened: count the `parent_file`s. If this
+  /// file includes one already, that is dropped.
   void include_file();
 
   /// The name of the `current_file` and the line that its reading has reached; line markers (`# 40 "name" 1`) set both.
+  /// '\r' and '\n' each end a line: with CR LF, the third line is number 5.
   /// Reads the file again up to there, and changes `previous_pos`. A failed stream gives line 1, and is then opened
   /// again at its start. Without a `current_file`, `file` and `line` stay as they are.
   static void get_file_info(STRING& file, int& line);
@@ -193,7 +199,7 @@ STRING GLSTR(ASCII_FILE& file);
 
 /// A binary file, always open for both reading and writing; modes are those of `ASCII_FILE` with `in` and `out` added.
 /// A file that cannot be opened is reported to the `ERROR_MESSAGER`, without its name; if that returns, the stream is
-/// failed.
+/// failed. What is pending is written when the object is destroyed.
 class OBIN_FILE : public std::fstream {
 public:
   /// The name that was last given, even if opening failed.
@@ -207,9 +213,6 @@ public:
 
   OBIN_FILE(OBIN_FILE const&) = delete;
   OBIN_FILE& operator=(OBIN_FILE const&) = delete;
-
-  /// Writes what is pending and closes the file.
-  ~OBIN_FILE() override;
 
   /// Writes what is pending, closes the current file and opens another one.
   void open(char const* path, int open_mode);

@@ -17,12 +17,6 @@ OBIN_FILE::OBIN_FILE(char const* path, int open_mode) : file_name(path) {
   if (fail()) ERROR_MESSAGER::static_err_message(EMPTY + "Bad obin file", __FILE__, __LINE__);
 }
 
-OBIN_FILE::~OBIN_FILE() {
-  exceptions(goodbit); // no failure leaves a destructor
-  flush();
-  close();
-}
-
 void OBIN_FILE::open(char const* path, int open_mode) {
   flush();
   close();

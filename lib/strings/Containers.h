@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 #include <climits>
 #include <cstddef>
 #include <functional>
@@ -50,6 +51,7 @@ public:
 
   /// As `resize`, but with storage, of length zero, also for n = 0. REQUIRES: n is not negative.
   virtual void hard_resize(int n) {
+    assert(n >= 0);
     release();
     allocate(n);
     size = n;
@@ -66,7 +68,7 @@ public:
 protected:
   int count() const { return std::max(size, 0); }
 
-  void allocate(int n) { ptr = new T[static_cast<std::size_t>(std::max(n, 0))]; }
+  void allocate(int n) { ptr = new T[static_cast<std::size_t>(n)]; }
 
   void release() {
     delete[] ptr;
@@ -110,12 +112,9 @@ public:
 private:
   /// Elements stand on the left and are not const, for types whose `==` is a member that is not const.
   static auto equals(T const& x) {
-    constexpr bool comparable = std::is_invocable_r_v<bool, std::equal_to<>, T&, T const&>;
-    static_assert(comparable, "CARRAY, LIST and BUFF_LIST need an operator== for their elements");
-    return [&x](T& element) {
-      if constexpr (comparable) return static_cast<bool>(element == x);
-      return false;
-    };
+    static_assert(std::is_invocable_r_v<bool, std::equal_to<>, T&, T const&>,
+                  "CARRAY, LIST and BUFF_LIST need an operator== for their elements");
+    return [&x](T& element) { return static_cast<bool>(element == x); };
   }
 
   int position(T const& x) const {
@@ -175,7 +174,7 @@ public:
   void hard_resize(int n) override {
     capacity = 0;
     ARRAY<T>::hard_resize(n);
-    capacity = std::max(n, 0);
+    capacity = n;
   }
 
   void set_ptr_and_size(T* p, int n) override {

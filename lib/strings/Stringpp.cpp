@@ -70,7 +70,7 @@ STRING& STRING::operator=(STRING const& s) {
 }
 
 STRING& STRING::operator=(char c) {
-  // The old buffer goes back first: with a full pool, one that was made for a long text is freed here.
+  // As the pool's users may expect, an empty text gives its buffer back first, and any other text keeps it.
   if (str[0] == '\0') str = trade_buffer(str, 1);
   str[0] = c;
   str[1] = '\0';

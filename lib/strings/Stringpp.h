@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstring>
 #include <functional>
 #include <iosfwd>
 #include <string_view>
@@ -99,7 +100,8 @@ public:
   /// range.
   int to_int() const;
 
-  /// The real number at the start of the text, its exponent written with e, E, d or D; 0 without one.
+  /// The real number at the start of the text, its exponent written with e, E, d or D; 0 without one. As for strtod,
+  /// `nan`, `inf` (also of `infant`) and `0x10` are numbers: ask `if_double` first.
   double to_double() const;
 
   // Editing. Each operation changes the text it is called on, and returns it or nothing. A blank is the space character
@@ -198,7 +200,7 @@ void read(std::istream& is, STRING& s);
 /// n in decimal.
 STRING itoa(int n);
 
-/// x as printf writes it with `format`, at most the first 50 characters. REQUIRES: `format` takes exactly one `double`.
+/// x as printf writes it with `format`, which takes exactly one `double`; at most the first 50 characters.
 STRING dtoa(double x, char const* format);
 
 /// x with six decimals, as "%f" writes it, at most the first 50 characters.

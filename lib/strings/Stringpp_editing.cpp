@@ -36,7 +36,7 @@ void STRING::remove_all(char c) {
 }
 
 STRING& STRING::cut_out(char c) {
-  STRING kept(*this);
+  STRING kept(*this); // a new buffer, as the pool's users may expect; `remove_all` is for those who want none
   kept.remove_all(c);
   return *this = kept;
 }

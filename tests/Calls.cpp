@@ -3,7 +3,6 @@
 #include <iostream>
 #include <map>
 #include <string_view>
-#include <type_traits>
 
 #include "lib/files/File.h"
 #include "project/Eclipse_project.h"
@@ -13,11 +12,13 @@
 namespace {
 
 using std::cerr;
+using M = ERROR_MESSAGER;
 
-struct RETURNING_MESSAGER : ERROR_MESSAGER {
+struct RETURNING_MESSAGER : M {
+  RETURNING_MESSAGER() { reassign_error_messager(this); }
   void do_EXIT() override {}
-  void alert(STRING text) override { ERROR_MESSAGER::alert("alert: " + text); }
-} returning_messager;
+  void alert(STRING text) override { M::alert("alert: " + text); }
+};
 
 /// Writes a make file for the libraries k and l.
 void make_libraries() {
@@ -28,7 +29,7 @@ void make_libraries() {
   MAKE_PROJECT project;
   project.libs = &libs;
   project.splash();
-  cerr << project.file_name;
+  cerr << project.file_name << '\n';
 }
 
 /// Writes twice an Eclipse project of the directories k and `second`, with a.c in k and b.c in `dir_of_b`.
@@ -59,121 +60,97 @@ void scan(STRING const& flags) {
   STRING directory("scanned");
   for (int time = 0; time < 2; ++time) scanner.do_scan(directory);
   for (int i = 0; i < scanner.found_files.size; ++i) {
-    cerr << '\n' << scanner.found_files[i];
-    if (scanner.includes.size == 0) continue;
-    for (STRING const& name : *scanner.includes[i]) cerr << " <" << name << '>';
-  }
-}
-
-using F = ASCII_FILE;
-using M = ERROR_MESSAGER;
-using CALL = std::function<void(F& file, STRING const& argument)>;
-
-/// Calls a member without an argument and prints what it returns.
-template <class MEMBER>
-CALL member(MEMBER m) {
-  return [m](F& file, STRING const&) {
-    if constexpr (std::is_void_v<std::invoke_result_t<MEMBER, F&>>) {
-      (file.*m)();
-    } else {
-      cerr << (file.*m)();
+    cerr << scanner.found_files[i];
+    if (scanner.includes.size > 0) {
+      for (STRING const& name : *scanner.includes[i]) cerr << " <" << name << '>';
     }
-  };
-}
-
-void read_word(F& file) {
-  STRING word;
-  file >> word;
-  cerr << word;
-}
-
-void get_list(F& file, int count) {
-  LIST<int> list;
-  file.get(list, count);
-  for (const int n : list) cerr << n << ' ';
-}
-
-void print_allowed(F const& file) {
-  for (int c = -300; c < 600; ++c) {
-    if (file.allowed_character(c) == 1) cerr << static_cast<char>(c);
+    cerr << '\n';
   }
 }
 
-void print_state(F& file) {
-  cerr << file.name << ", mode " << file.mode << ", rdstate " << file.rdstate() << ", position " << file.get_position()
-       << ", previous_pos " << file.previous_pos;
+/// Writes two files through one object, and reads the first.
+void write_obin_files() {
+  OBIN_FILE file("one", 32);
+  file << "first";
+  file.open("two", 32);
+  file << "second";
+  OBIN_FILE one("one", 0);
+  STRING word;
+  one >> word;
+  cerr << word << '\n';
 }
 
 void open_obin_file(STRING const& path) {
   OBIN_FILE file;
-  file.open(path.str, 32);
-  cerr << file.file_name;
+  file.open(path.str, 0);
+  cerr << file.file_name << '\n';
 }
 
-const std::map<std::string_view, CALL> calls = {
-    {"open", [](F& file, STRING const& path) { file.open(path.str, 48); }},
-    {"close", member(&F::close)},
-    {"remove", [](F& file, STRING const&) { std::remove(file.name.str); }},
-    {"write", [](F& file, STRING const& text) { file << text << std::flush; }},
-    {"goto", [](F& file, STRING const& p) { file.goto_position_and_set_previous_pos(p.to_int()); }},
-    {"rewind", member(&F::rewind)},
-    {"back", member(&F::back)},
-    {"back1", member(&F::back1)},
-    {"ignore_all", [](F& file, STRING const&) { file.ignore(1000); }},
-    {"state", [](F& file, STRING const&) { print_state(file); }},
-    {"no_comments", [](F& file, STRING const&) { file.skip_comments = 0; }},
-    {"get_next_char", member(&F::get_next_char)},
-    {"read_spaces", member(&F::read_spaces)},
-    {"empty_line", member(&F::empty_line)},
-    {"allowed_character", [](F& file, STRING const&) { print_allowed(file); }},
-    {"width", [](F& file, STRING const& n) { file.width(n.to_int()); }},
-    {">>", [](F& file, STRING const&) { read_word(file); }},
-    {"getSTRING", member(&F::getSTRING)},
-    {"getSTRING_sl", member(&F::getSTRING_sl)},
-    {"GLSTR", [](F& file, STRING const&) { cerr << GLSTR(file); }},
-    {"getline", [](F& file, STRING const&) { cerr << file.getline(); }},
-    {"getint", member(&F::getint)},
-    {"getint_sl", member(&F::getint_sl)},
-    {"getdouble", member(&F::getdouble)},
-    {"getdouble_sl", member(&F::getdouble_sl)},
-    {"get", [](F& file, STRING const& count) { get_list(file, count.to_int()); }},
-    {"locate", [](F& file, STRING const& key) { file.locate(key.str); }},
-    {"locate_next", [](F& file, STRING const& key) { file.locate_next(key.str); }},
-    {"skip_until", [](F& file, STRING const& prefix) { file.skip_until_word_start_with(prefix); }},
-    {"ERR_FILE", [](F&, STRING const&) { ERR_FILE(); }},
-    {"KBAD", [](F&, STRING const& text) { KBAD(text); }},
-    {"UNKNOWN_COMMAND", [](F&, STRING const& text) { UNKNOWN_COMMAND(text); }},
-    {"UNKNOWN_COEF", [](F&, STRING const& text) { UNKNOWN_COEF(text); }},
-    {"returning_messager", [](F&, STRING const&) { M::reassign_error_messager(&returning_messager); }},
-    {"message", [](F&, STRING const&) { M::STATIC_MESSAGE("text"); }},
-    {"alert", [](F&, STRING const&) { M::STATIC_ALERT("text"); }},
-    {"class_err_message", [](F&, STRING const&) { M::static_err_message("CLASS", "text", "file.cpp", 12); }},
-    {"err_message", [](F&, STRING const&) { M::static_err_message("text", "file.cpp", 12); }},
-    {"text_err_message", [](F&, STRING const&) { M::static_err_message("text"); }},
-    {"not_implemented_error", [](F&, STRING const&) { M::STATIC_NOT_IMPLEMENTED_ERROR("text", "file.cpp", 12); }},
-    {"input_error", [](F&, STRING const&) { M::STATIC_INPUT_ERROR("text", "file.cpp", 12); }},
-    {"critical", [](F&, STRING const&) { M::STATIC_CRITICAL("text", "file.cpp", 12); }},
-    {"EXIT", [](F&, STRING const&) { M::EXIT(); }},
-    {"OBIN_FILE::open", [](F&, STRING const& path) { open_obin_file(path); }},
-    {"OBIN_FILE", [](F&, STRING const& path) { cerr << OBIN_FILE(path.str, 0).file_name; }},
-    {"scan", [](F&, STRING const& flags) { scan(flags); }},
-    {"make_libraries", [](F&, STRING const&) { make_libraries(); }},
-    {"splash_twice", [](F&, STRING const& second) { splash_twice(second.str, second.str); }},
-    {"splash_unknown", [](F&, STRING const&) { splash_twice("l", "unknown"); }},
+ASCII_FILE file;
+
+void read_word() {
+  STRING word;
+  file >> word;
+  cerr << '[' << word << ']';
+}
+
+void get_three() {
+  LIST<int> list;
+  file.get(list, 3);
+}
+
+void print_state() {
+  cerr << file.name << (file.ok ? " ok" : " not ok") << ", mode " << file.mode << ", rdstate " << file.rdstate()
+       << ", at " << file.get_position() << ", previous_pos " << file.previous_pos << '\n';
+}
+
+const std::map<std::string_view, std::function<void(STRING const& argument)>> calls = {
+    {"mode", [](STRING const& mode) { file.mode = mode.to_int(); }},
+    {"open", [](STRING const& path) { file.open(path.str, file.mode); }},
+    {"close", [](STRING const&) { file.close(); }},
+    {"remove", [](STRING const&) { std::remove(file.name.str); }},
+    {"write", [](STRING const& text) { file << text << std::flush; }},
+    {"goto", [](STRING const& p) { file.goto_position_and_set_previous_pos(p.to_int()); }},
+    {"ignore_all", [](STRING const&) { file.ignore(1000); }},
+    {"state", [](STRING const&) { print_state(); }},
+    {"width", [](STRING const& n) { file.width(n.to_int()); }},
+    {">>", [](STRING const&) { read_word(); }},
+    {"getSTRING", [](STRING const&) { cerr << file.getSTRING() << '\n'; }},
+    {"get_three", [](STRING const&) { get_three(); }},
+    {"no_comments", [](STRING const&) { file.skip_comments = 0; }},
+    {"ERR_FILE", [](STRING const&) { ERR_FILE(); }},
+    {"KBAD", [](STRING const& text) { KBAD(text); }},
+    {"UNKNOWN_COMMAND", [](STRING const& text) { UNKNOWN_COMMAND(text); }},
+    {"UNKNOWN_COEF", [](STRING const& text) { UNKNOWN_COEF(text); }},
+    {"returning_messager", [](STRING const&) { new RETURNING_MESSAGER; }},
+    {"delete_messager", [](STRING const&) { delete M::active_error_messager; }},
+    {"message", [](STRING const&) { M::STATIC_MESSAGE("text"); }},
+    {"alert", [](STRING const&) { M::STATIC_ALERT("text"); }},
+    {"class_err_message", [](STRING const&) { M::static_err_message("CLASS", "text", "file.cpp", 12); }},
+    {"err_message", [](STRING const&) { M::static_err_message("text", "file.cpp", 12); }},
+    {"text_err_message", [](STRING const&) { M::static_err_message("text"); }},
+    {"not_implemented_error", [](STRING const&) { M::STATIC_NOT_IMPLEMENTED_ERROR("text", "file.cpp", 12); }},
+    {"input_error", [](STRING const&) { M::STATIC_INPUT_ERROR("text", "file.cpp", 12); }},
+    {"critical", [](STRING const&) { M::STATIC_CRITICAL("text", "file.cpp", 12); }},
+    {"EXIT", [](STRING const&) { M::EXIT(); }},
+    {"write_obin_files", [](STRING const&) { write_obin_files(); }},
+    {"OBIN_FILE::open", [](STRING const& path) { open_obin_file(path); }},
+    {"OBIN_FILE", [](STRING const& path) { cerr << OBIN_FILE(path.str, 0).file_name << '\n'; }},
+    {"scan", [](STRING const& flags) { scan(flags); }},
+    {"make_libraries", [](STRING const&) { make_libraries(); }},
+    {"splash_twice", [](STRING const& second) { splash_twice(second.str, second.str); }},
+    {"splash_unknown", [](STRING const&) { splash_twice("l", "unknown"); }},
 };
 
 } // namespace
 
-/// Makes calls on a file and prints, for each, its name, what it returns, and how the file stands then.
-///   calls FILE MODE CALL[=ARGUMENT]...
+/// Makes calls, on one file where they need one, and prints what they print or return.
+///   calls CALL[=ARGUMENT]...
 int main(int, char* argv[]) {
-  F file(argv[1], STRING(argv[2]).to_int());
-  for (char** name = argv + 3; *name != nullptr; ++name) {
+  for (char** name = argv + 1; *name != nullptr; ++name) {
     STRING call(*name), argument(call);
     argument.locate_and_cut_after('=');
     call.locate_and_cut_before('=');
-    cerr << call << ": ";
-    calls.at(call.str)(file, argument);
-    cerr << (file.line_changed ? ", line_changed" : "") << (file.ok ? "\n" : ", not ok\n");
+    calls.at(call.str)(argument);
   }
 }

@@ -15,14 +15,15 @@ template <class CONTAINER>
 class CONTAINERS {
 public:
   /// `growth` is by how many places the list grows; only with more than one does it keep spare ones.
-  CONTAINERS(TRIAL& t, CONTAINER& list, std::size_t spare, std::size_t places)
-      : trial(t), ours(list), all(spare), growth(places) {}
+  CONTAINERS(TRIAL& t, char const* kind, CONTAINER& list, std::size_t spare, std::size_t places)
+      : trial(t), name(kind), ours(list), all(spare), growth(places) {}
 
   void step() {
     n = trial.below(9);
     i = static_cast<int>(n);
-    const bool done = trial.do_one_of(operations, std::to_string(n));
-    if (!done && ours.ptr == nullptr) renew(0); // or else it is what it was
+    fitting = std::min(n, all.size());
+    trial.subject = name;
+    trial.do_one_of(operations, std::to_string(n));
     std::string found, expected;
     for (NUMBER const& element : ours) found += std::to_string(element.n) + ' ';
     std::for_each(all.begin(), end(), [&](int number) { expected += std::to_string(number) + ' '; });
@@ -41,9 +42,9 @@ private:
     size = count;
   }
 
-  void resize() {
-    if (growth == 1 || n > all.size()) renew(n);
-    size = n;
+  void resize(std::size_t count) {
+    if (growth == 1 || count > all.size()) renew(count);
+    size = count;
   }
 
   void add() {
@@ -59,24 +60,33 @@ private:
   }
 
   TRIAL& trial;
+  char const* const name;
   CONTAINER& ours;
   std::vector<int> all;
   std::size_t size = 0;
   const std::size_t growth;
-  std::size_t n = 0; // the operand
-  int i = 0;         // the same
+  std::size_t n = 0;       // the operand
+  int i = 0;               // the same
+  std::size_t fitting = 0; // the same where there are that many places
 
   const std::vector<OPERATION> operations = {
       {"add", [&] { ours.add(n < size ? ours[i] : NUMBER{i}); }, [&] { add(); }},
-      {"resize", [&] { ours.resize(i); }, [&] { resize(); }},
+      {"resize", [&] { ours.resize(i); }, [&] { resize(n); }},
       {"hard_resize", [&] { ours.hard_resize(i); }, [&] { renew(n); }},
+      {"resize to a negative size", [&] { ours.resize(-i); }, [&] { resize(0); }},
+      {"set_size", [&] { ours.set_size(fitting == 0 ? -i : static_cast<int>(fitting)); }, [&] { size = fitting; }},
       {"set_ptr_and_size", [&] { ours.set_ptr_and_size(new NUMBER[n], i); }, [&] { renew(n); }},
+      {"set_ptr_and_size, the same ptr", [&] { ours.set_ptr_and_size(ours.ptr, static_cast<int>(fitting)); },
+       [&] {
+         all.resize(fitting);
+         size = fitting;
+       }},
       {"is_in", [&] { return ours.is_in({x()}); }, [&] { return has(); }},
       {"is_in with an index", [&] { return index_of_is_in(); }, [&] { return has() ? place() : -7; }},
       {"first_occurrence", [&] { return ours.first_occurrence({x()}); }, [&] { return has() ? place() : -1; }},
       {"count_occurrence", [&] { return ours.count_occurrence({x()}); },
        [&] { return std::count(all.begin(), end(), x()); }},
-      {"size", [&] { return ours.size; }, [&] { return size; }},
+      {"size", [&] { return std::max(ours.size, 0); }, [&] { return size; }},
   };
 };
 
@@ -90,8 +100,8 @@ void containers_model(TRIAL& trial) {
   trial.compare("least increment", least.increment, 1);
   for (int n = 0; n < 3; ++n) least.add({n});
   trial.compare("capacity that grows by one", least.capacity, 3);
-  CONTAINERS lists(trial, list, 0, 1);
-  CONTAINERS buffers(trial, buffer, 2, 3);
+  CONTAINERS lists(trial, "LIST ", list, 0, 1);
+  CONTAINERS buffers(trial, "BUFF_LIST ", buffer, 2, 3);
   while (trial.goes_on()) {
     lists.step();
     buffers.step();

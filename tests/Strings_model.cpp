@@ -49,10 +49,7 @@ public:
 
   void step() {
     draw_operands();
-    if (!trial.do_one_of(operations, text)) { // it is a text all the same
-      t = s.str;
-      ok = s.ok;
-    }
+    trial.do_one_of(operations, text);
     trial.compare("text", s, t);
     trial.compare("ok", s.ok, ok);
     if (t.size() > 20'000 || trial.below(9) == 0) t = (s = string(600, 'x').c_str()).str;
@@ -86,7 +83,6 @@ private:
 
   string written() const {
     std::ostringstream out;
-    out.exceptions(std::ios_base::badbit); // a stream hides that there is no memory
     write(out, other);
     out << std::setw(9) << other;
     return out.str();

@@ -23,14 +23,6 @@ struct SCRATCH_DIRECTORY {
   std::filesystem::path before = std::filesystem::current_path();
 };
 
-/// The program's `new` and `delete` count here, and one `new` may fail.
-struct ALLOCATIONS {
-  static inline int before_failure = 0; // how many are left up to the one that fails; none does from 0 on
-  static inline bool may_fail = false;  // whether they count and fail now
-  static inline std::size_t bytes = 0;  // asked for so far
-  static inline long live = 0;          // not freed yet
-};
-
 /// A value as a text.
 template <class VALUE>
 std::string shown(VALUE const& value) {
@@ -57,9 +49,7 @@ private:
         call();
         return "";
       } else {
-        const auto value = call();
-        ALLOCATIONS::may_fail = false;
-        return shown(value);
+        return shown(call());
       }
     };
   }
@@ -69,7 +59,10 @@ private:
 class TRIAL {
 public:
   /// `title` says in the report which program this is.
-  TRIAL(std::string const& title, std::string program) : bytes(std::move(program)), lines{title} {}
+  TRIAL(std::string const& title, std::string program) : bytes(std::move(program)), beginning{title} {}
+
+  /// What the operations and fields that follow belong to, where there are several such things.
+  std::string subject;
 
   /// Whether there are operations left and nothing has differed yet.
   bool goes_on() const { return at < bytes.size() && differences.empty(); }
@@ -80,30 +73,30 @@ public:
   /// What the next n bytes, as far as there are any, stand for: ASCII for itself, the others for telling pieces.
   std::string text(std::size_t n);
 
-  /// Does one of the operations, in which `new` may fail, and compares what it returns. False if it failed: then the
-  /// model has done nothing.
-  bool do_one_of(std::vector<OPERATION> const& operations, std::string const& operand);
+  /// Notes what the operations begin with.
+  void set_up(std::string const& name, std::string const& text);
 
-  /// Notes what is done, for the report.
-  void note(std::string const& operation, std::string const& operand);
+  /// Does one of the operations, and compares what it returns.
+  void do_one_of(std::vector<OPERATION> const& operations, std::string const& operand);
 
   template <class FOUND, class EXPECTED>
   void compare(char const* field, FOUND const& found, EXPECTED const& expected) {
     compare_texts(field, shown(found), shown(expected));
   }
 
-  /// The title, then the operations done last.
-  std::vector<std::string> const& history() const { return lines; }
+  /// The title, what there was at first, and the operations done last with what came of them.
+  std::string history() const;
 
   /// The history and the fields that differ; empty if none does.
-  std::string report() const;
+  std::string report() const { return differences.empty() ? "" : history() + differences; }
 
 private:
   void compare_texts(char const* field, std::string const& found, std::string const& expected);
 
   const std::string bytes;
   std::size_t at = 0;
-  std::vector<std::string> lines;
+  std::vector<std::string> beginning;
+  std::vector<std::string> operations_done;
   std::string differences;
 };
 

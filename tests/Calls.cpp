@@ -24,8 +24,8 @@ struct RETURNING_MESSAGER : M {
 void make_libraries() {
   MAKE_LIB k{{"k"}, {}}, l{{"l"}, {}};
   LIST<MAKE_LIB*> libs;
-  libs.set_ptr_and_size(
-      new MAKE_LIB* [2] { &k, &l }, 2);
+  libs.add(&k);
+  libs.add(&l);
   MAKE_PROJECT project;
   project.libs = &libs;
   project.splash();
@@ -37,11 +37,11 @@ void splash_twice(char const* second, char const* dir_of_b) {
   SOURCE_DIR first_dir{{"k"}, {}}, second_dir{{second}, {}}, other_dir{{dir_of_b}, {}};
   SOURCE_FILE a{{"a.c"}, {}, &first_dir}, b{{"b.c"}, {}, &other_dir};
   LIST<SOURCE_DIR*> dirs;
-  dirs.set_ptr_and_size(
-      new SOURCE_DIR* [2] { &first_dir, &second_dir }, 2);
+  dirs.add(&first_dir);
+  dirs.add(&second_dir);
   LIST<SOURCE_FILE*> files;
-  files.set_ptr_and_size(
-      new SOURCE_FILE* [2] { &a, &b }, 2);
+  files.add(&a);
+  files.add(&b);
   ECLIPSE_PROJECT eclipse;
   eclipse.file_name = "structure";
   eclipse.dirs = &dirs;

@@ -9,7 +9,7 @@ inline bool ends_line(char c) { return c == '\n' || c == '\r'; }
 /// Lets `read` use the stream's buffer and tell whether it met the end. Returns, but does not set, the state that `get`
 /// would set then: no bits before the end, else eofbit or badbit with failbit.
 ///
-/// The stream's own `get` prepares anew for each character, which takes longer than all that is done with it.
+/// The stream's own `get` prepares anew for each character.
 template <class READ>
 std::ios_base::iostate read_buffer(std::istream& in, READ read) {
   using std::ios_base;
@@ -39,7 +39,8 @@ inline std::ios_base::iostate peek_character(std::istream& in) {
   return read_buffer(in, [](std::streambuf& buffer) { return is_end(buffer.sgetc()); });
 }
 
-/// Names for what is protected in a buffer: without them, each character would cost a call.
+/// Gives access to the characters that a buffer holds, which is protected. The public functions give them one by one
+/// and move the buffer's pointers each time, which takes longer than all that is done with a character.
 struct BUFFER : std::streambuf {
   static constexpr auto first = &BUFFER::gptr;
   static constexpr auto last = &BUFFER::egptr;

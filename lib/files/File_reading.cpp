@@ -188,7 +188,6 @@ void ASCII_FILE::locate(char const* key) { locate(STRING(key)); }
 
 void ASCII_FILE::locate_next(STRING const& key) {
   const STRING sought(key.str); // a definition on the way may move the list that `key` lies in
-  success = true;
   while (!(getSTRING() == sought) && success) continue;
 }
 
@@ -196,7 +195,6 @@ void ASCII_FILE::locate_next(char const* key) { locate_next(STRING(key)); }
 
 void ASCII_FILE::skip_until_word_start_with(STRING const& prefix) {
   const STRING sought(prefix.str); // as above
-  success = true;
   for (;;) {
     const STRING token = getSTRING();
     if (token.start_with(sought)) {

@@ -144,7 +144,7 @@ LINE read_entries(RAW_INDEX const& raw, LINE first_line, STYLE const& style, MES
     if (trim_blanks(one).empty()) continue;
     LINE_READER reader(one, style);
     const std::optional<RAW_ENTRY> entry = reader.read();
-    if (!reader.fault.empty()) messages.warn(line, "`" + shown(one) + "' " + std::string(reader.fault));
+    if (!reader.fault.empty()) messages.warn(line, '`' + shown(one) + "' " + std::string(reader.fault));
     if (entry) take(*entry, line);
   }
   return line - first_line;

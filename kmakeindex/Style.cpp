@@ -206,7 +206,7 @@ STYLE package_style() {
   style.headings_flag = 1;
   style.heading_prefix = "\n  \\indexletter{";
   style.sign_heading_prefix = "\n  \\indexgroup{";
-  style.heading_suffix = "}";
+  style.heading_suffix = '}';
   style.symhead_positive = style.symhead_negative = "\\indexsymbols";
   style.numhead_positive = style.numhead_negative = "\\indexnumbers";
   style.delim_0 = style.delim_1 = style.delim_2 = "\\indexdelimiter ";

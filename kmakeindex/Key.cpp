@@ -190,7 +190,7 @@ KEY read_key(std::string_view key, KEY_SYNTAX const& syntax, COMPLAIN const& com
 }
 
 std::string target_of_reference(std::string_view command) {
-  const std::size_t begin = command.rfind("see");
+  const std::size_t begin = command.find("see");
   const std::size_t open = command.find('{', begin);
   std::string target(command.substr(open + 1));
   target.resize(std::min(target.rfind('}'), target.size()));

@@ -1,8 +1,4 @@
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <csignal>
 #include <deque>
 #include <exception>
 #include <filesystem>
@@ -16,6 +12,7 @@
 #include "kmakeindex/Options.h"
 #include "kmakeindex/Output.h"
 #include "kmakeindex/Raw_index.h"
+#include "lib/files/Standard_streams.h"
 
 namespace fs = std::filesystem;
 
@@ -27,8 +24,11 @@ public:
   explicit RUN(OPTIONS const& of) : options(of) {}
 
   void make_indexes() {
-    if (!options.transcript.empty()) messages.open_transcript(options.transcript);
     read_raw_indexes();
+    if (!options.transcript.empty()) {
+      check_no_raw_index(options.transcript);
+      messages.open_transcript(options.transcript);
+    }
     choose_style();
     const ORDER language = choose_language();
     read_all_entries();
@@ -125,13 +125,17 @@ private:
     return fs::path(path).replace_extension().string() + '-' + name + path.extension().string();
   }
 
-  void write_index(std::string const& path, std::string const& text) const {
+  void check_no_raw_index(std::string const& path) const {
     std::error_code unknown;
     for (RAW_INDEX const& raw : raw_indexes) {
-      if (fs::equivalent(path, raw.name, unknown))
-        throw FAILURE("kmakeindex: cannot write " + path + ": it is the raw index");
+      if (!fs::equivalent(path, raw.name, unknown)) continue;
+      throw FAILURE("kmakeindex: cannot write " + path + ": it is the raw index");
     }
+  }
+
+  void write_index(std::string const& path, std::string const& text) const {
     if (path.empty()) return write_output(text);
+    check_no_raw_index(path);
     write_file(path, text);
   }
 
@@ -144,7 +148,7 @@ private:
     std::string const& wanted = options.first_page;
     if (wanted != "any" && wanted != "odd" && wanted != "even") return wanted;
     const std::string path = base + ".log";
-    if (!is_file(path)) return "";
+    if (base.empty() || !is_file(path)) return "";
     const std::string log = read_file(path);
     const auto is_digit = [](char c) { return '0' <= c && c <= '9'; };
     std::size_t at = log.rfind('[');
@@ -168,17 +172,17 @@ private:
 } // namespace
 
 int main(int argc, char* argv[]) {
-  for (int file = 0; file >= 0 && file <= 2;) file = open("/dev/null", O_RDWR | O_CLOEXEC);
-  std::signal(SIGXFSZ, SIG_IGN);
-  std::signal(SIGPIPE, SIG_IGN);
+  prepare_standard_streams();
   try {
     const OPTIONS options = read_options(argc, argv);
     RUN(options).make_indexes();
     return 0;
   } catch (std::bad_alloc const&) {
     std::cerr << "kmakeindex: out of memory\n";
+  } catch (FAILURE const& failure) {
+    std::cerr << failure.what() << '\n';
   } catch (std::exception const& error) {
-    std::cerr << error.what() << '\n';
+    std::cerr << "kmakeindex: " << error.what() << '\n';
   }
   return 1;
 }

@@ -23,17 +23,6 @@ void write_index(char const* path, int entries) {
   for (int i = 0; i < entries; ++i) out << "\\indexentry{" << key(200) << "}{" << 1 + draw() % 900 << "}\n";
 }
 
-/// 300 pages, each with 66 entries among 330 words.
-void write_document() {
-  std::ofstream out("document.tex");
-  out << "\\documentclass{book}\\usepackage{kindex}\\begin{document}\n";
-  for (int i = 0; i < 300 * 66; ++i) {
-    if (i % 66 == 0) out << "\\clearpage\n";
-    out << word(5000) << "\\index{" << key(70) << "} " << word(5000) << " of " << word(5000) << " in\n";
-  }
-  out << "\\printkindex\\end{document}\n";
-}
-
 auto shell(std::string const& command) {
   return [=] {
     if (std::system(command.c_str()) != 0) std::abort();
@@ -45,14 +34,9 @@ auto shell(std::string const& command) {
 int main(int argc, char* argv[]) {
   return run_benchmarks(argc, argv, [] {
     setenv("LC_ALL", "C", 1);
-    setenv("TEXINPUTS", TEX ":", 1);
     write_index("big.idx", 1'000'000);
     const auto sort = shell("cat big.idx | sort -f > oo");
     compare("kindex against cat and sort", shell("'" KINDEX "' big"), sort)->Iterations(9);
     grow("kindex", 1000, 1'000'000, [](int n) { return write_index("grown.idx", n), shell("'" KINDEX "' grown"); });
-    write_document();
-    const auto latex = shell("pdflatex -interaction=batchmode document > out");
-    latex();
-    compare("kindex against LaTeX", shell("'" KINDEX "' document"), latex)->Iterations(5);
   });
 }

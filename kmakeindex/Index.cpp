@@ -17,7 +17,7 @@ namespace {
 int class_of(std::string_view text) {
   const auto is_digit = [](unsigned char c) { return std::isdigit(c) != 0; };
   if (text.empty()) return 0;
-  if (is_digit(static_cast<unsigned char>(text[0]))) return std::ranges::all_of(text, is_digit) ? 3 : 2;
+  if (is_digit(static_cast<unsigned char>(text[0]))) return std::all_of(text.begin(), text.end(), is_digit) ? 3 : 2;
   return std::isalpha(static_cast<unsigned char>(text[0])) != 0 ? 4 : 1;
 }
 
@@ -33,7 +33,7 @@ int compare_letters(std::string_view a, std::string_view b, bool letter_order) {
   const auto fold = [&](std::string_view text) {
     std::string folded(text);
     if (letter_order) std::erase(folded, ' ');
-    std::ranges::transform(folded, folded.begin(), [](unsigned char c) { return std::tolower(c); });
+    std::transform(folded.begin(), folded.end(), folded.begin(), [](unsigned char c) { return std::tolower(c); });
     return folded;
   };
   return fold(a).compare(fold(b));
@@ -190,7 +190,7 @@ std::vector<INDEX::RANKED_PLACE> INDEX::rank_places(ORDER const& language) const
   const auto key_of = [&](KEYED_PLACE const& place) {
     return std::string_view(all_keys).substr(place.key, place.key_size);
   };
-  std::ranges::sort(keyed, [&](KEYED_PLACE const& a, KEYED_PLACE const& b) {
+  std::sort(keyed.begin(), keyed.end(), [&](KEYED_PLACE const& a, KEYED_PLACE const& b) {
     return a.beginning != b.beginning ? a.beginning < b.beginning : key_of(a) < key_of(b);
   });
   std::vector<RANKED_PLACE> ranked(keyed.size());
@@ -215,7 +215,7 @@ std::vector<std::uint32_t> INDEX::sort_level(std::size_t level, std::vector<RANK
     const std::uint64_t above = level == 0 ? 0 : positions[items[i].parent];
     placed.push_back({above << 32U | ranked[items[i].place].rank, i});
   }
-  std::ranges::sort(placed, [&](PLACED_ITEM const& a, PLACED_ITEM const& b) {
+  std::sort(placed.begin(), placed.end(), [&](PLACED_ITEM const& a, PLACED_ITEM const& b) {
     if (a.place != b.place) return a.place < b.place;
     ITEM const &first = items[a.number], &second = items[b.number];
     const int by_text = compare_texts(first.text, second.text, letter_order);

@@ -113,7 +113,7 @@ std::unique_ptr<AlphabeticIndex::ImmutableIndex> make_headings(Locale const& loc
 
 /// The class of a place; a number has digits alone.
 CLASS classify(std::string_view place, UnicodeString const& text) {
-  if (is_ascii_digit(place[0])) return std::ranges::all_of(place, is_ascii_digit) ? NUMBER : MIXED_NUMBER;
+  if (is_ascii_digit(place[0])) return std::all_of(place.begin(), place.end(), is_ascii_digit) ? NUMBER : MIXED_NUMBER;
   return u_isalpha(text.char32At(0)) != 0 ? WORD : SYMBOL;
 }
 

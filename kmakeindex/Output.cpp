@@ -9,7 +9,7 @@ namespace {
 /// How many characters a text in UTF-8 has.
 long length(std::string_view text) {
   const auto begins_character = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
-  return static_cast<long>(std::ranges::count_if(text, begins_character));
+  return static_cast<long>(std::count_if(text.begin(), text.end(), begins_character));
 }
 
 } // namespace

@@ -80,7 +80,7 @@ void rank_pages(std::vector<PAGE>& pages) {
     if (a->numbers.empty() || b->numbers.empty()) return a->numbers.size() > b->numbers.size();
     return a->numbers < b->numbers;
   };
-  std::ranges::stable_sort(order, is_before);
+  std::stable_sort(order.begin(), order.end(), is_before);
   std::uint32_t rank = 0;
   for (std::size_t i = 0; i < order.size(); ++i) {
     const bool is_other = i > 0 && (order[i]->numbers.empty() || is_before(order[i - 1], order[i]));

@@ -95,8 +95,8 @@ private:
   void add_page(std::span<ENTRY const> entries) {
     const auto is_plain = [](ENTRY const& e) { return e.look == 0 && e.range == RANGE::NONE; };
     const auto has_command = [](ENTRY const& e) { return e.look != 0 && e.range == RANGE::NONE; };
-    const bool is_covered =
-        open == nullptr && std::ranges::any_of(entries, is_plain) && std::ranges::any_of(entries, has_command);
+    const bool is_covered = open == nullptr && std::any_of(entries.begin(), entries.end(), is_plain) &&
+                            std::any_of(entries.begin(), entries.end(), has_command);
     if (is_covered && plain && goes_on(*plain, entries[0].page)) {
       plain->reach = entries[0].page;
     } else if (is_covered) {
@@ -197,11 +197,11 @@ private:
 
   void put_references(std::span<ENTRY const> references) {
     std::vector<ENTRY> in_order(references.begin(), references.end());
-    std::ranges::sort(in_order, {}, &ENTRY::line);
+    std::sort(in_order.begin(), in_order.end(), [](ENTRY const& a, ENTRY const& b) { return a.line < b.line; });
     for (ENTRY const& entry : in_order) {
       LOOK const* const look = &index.looks[entry.look];
       const auto is_there = [&](PAGES const& piece) { return piece.look == look; };
-      if (std::ranges::any_of(made.pieces, is_there)) continue;
+      if (std::any_of(made.pieces.begin(), made.pieces.end(), is_there)) continue;
       made.pieces.push_back({look, entry.page == ENTRY::no_page ? "" : page(entry.page)});
     }
   }

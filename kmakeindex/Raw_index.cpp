@@ -121,8 +121,8 @@ std::string RAW_INDEX::digest() const {
   std::array<char, MD5_DIGEST_STRING_LENGTH> digits = {};
   MD5Data(reinterpret_cast<std::uint8_t const*>(text.data()), text.size(), digits.data());
   std::string result = digits.data();
-  std::ranges::transform(result, result.begin(),
-                         [](char c) { return 'a' <= c && c <= 'f' ? static_cast<char>(c - 'a' + 'A') : c; });
+  std::transform(result.begin(), result.end(), result.begin(),
+                 [](char c) { return 'a' <= c && c <= 'f' ? static_cast<char>(c - 'a' + 'A') : c; });
   return result;
 }
 

@@ -103,7 +103,7 @@ private:
     std::size_t verbatim = none;
     if (name == "verb") verbatim = end_of_verb(text, end);
     if (name == "(" && has_mathematics) verbatim = end_of_mathematics(end);
-    if (std::ranges::count(verbatim_commands, name) > 0) verbatim = end_of_argument(end);
+    if (std::count(verbatim_commands.begin(), verbatim_commands.end(), name) > 0) verbatim = end_of_argument(end);
     if (verbatim != none) return take(PIECE::KIND::VERBATIM, verbatim);
     take(name.empty() ? PIECE::KIND::SIGN : PIECE::KIND::COMMAND, end);
     if (name == "string" && at < text.size() && text[at] != '\\') take(PIECE::KIND::COMMAND, at + 1);

@@ -85,8 +85,9 @@ INDEX::KEY_USE INDEX::find_key(std::string_view key, LINE line, KEY_SYNTAX const
 }
 
 INDEX::KEY_USE INDEX::use_key(std::string_view key, LINE line, KEY_SYNTAX const& syntax) {
+  std::set<std::string, std::less<>> told;
   const KEY read = read_key(key, syntax, [&](std::string_view what) {
-    messages.warn(line, "the key `" + shown(key) + "' " + std::string(what));
+    if (told.emplace(what).second) messages.warn(line, "the key `" + shown(key) + "' " + std::string(what));
   });
   std::uint32_t item = ITEM::none;
   for (KEY::LEVEL const& level : read.levels) {
@@ -151,7 +152,8 @@ void INDEX::check_references() const {
   for (auto const& [line, entry] : references) {
     const std::string target = target_of_reference(looks[entry->look].command);
     if (!found.insert(entry->look).second || refers_to(there, target)) continue;
-    messages.warn(line, "the key `" + path_of(items[entry->item]) + "' refers to `" + target + "', which is not there");
+    messages.warn(line, "the key `" + shown(path_of(items[entry->item])) + "' refers to `" + shown(target) +
+                            "', which is not there");
   }
 }
 

@@ -109,14 +109,19 @@ private:
     }
   }
 
-  /// A star counts at the end of what is before the command.
+  /// A star counts at the end of what is before the command; \indexmain puts it after that.
   void take_star() {
-    if (!syntax.star_is_principal() || key.levels.empty() || star_is_quoted) return;
+    if (!syntax.star_is_principal() || key.levels.empty()) return;
     KEY::LEVEL& last = key.levels.back();
-    if (!last.text.ends_with('*') || last.text == "*") return;
+    if (key.command.ends_with('*')) {
+      key.command.pop_back();
+    } else if (!star_is_quoted && ends_in_star(last.text)) {
+      last.text.pop_back();
+      if (!last.has_text) last.place.pop_back();
+    } else {
+      return;
+    }
     key.is_principal = true;
-    last.text.pop_back();
-    if (!last.has_text) last.place.pop_back();
   }
 
   void read_command() {
@@ -141,7 +146,7 @@ private:
 KEY read_typed_key(std::string_view source, KEY_SYNTAX const& syntax, COMPLAIN const& complain) {
   KEY key;
   std::string typed = as_typed(source);
-  key.is_principal = typed.size() > 1 && typed.ends_with('*');
+  key.is_principal = ends_in_star(typed);
   if (key.is_principal) typed = as_typed(typed.substr(0, typed.size() - 1));
   if (typed.empty()) {
     complain("is empty");

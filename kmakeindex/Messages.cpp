@@ -11,8 +11,15 @@ std::string shown(std::string_view text) {
 }
 
 void MESSAGES::open_transcript(std::string const& path) {
+  transcript_path = path;
   transcript.open(path);
   if (!transcript) throw FAILURE("kmakeindex: cannot write " + path + ": " + std::strerror(errno));
+}
+
+void MESSAGES::close_transcript() {
+  if (!transcript.is_open()) return;
+  transcript.close();
+  if (!transcript) std::cerr << "kmakeindex: cannot write " << transcript_path << '\n';
 }
 
 void MESSAGES::warn(LINE line, std::string_view text) {

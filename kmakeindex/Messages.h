@@ -32,6 +32,9 @@ public:
   void warn(LINE line, std::string_view text);
   void warn(std::string const& file, unsigned long line, std::string_view text);
 
+  /// Tells if the transcript is not complete.
+  void close_transcript();
+
   /// Writes a line that is no warning, to standard error unless `quiet`.
   void tell(std::string const& text, bool quiet);
 
@@ -43,4 +46,5 @@ private:
 
   std::vector<FILE_LINES> files;
   std::ofstream transcript;
+  std::string transcript_path;
 };

@@ -61,6 +61,10 @@ OPTIONS read_options(int argc, char* argv[]) {
   OPTIONS options;
   for (int c = 0; (c = getopt_long(argc, argv, "cgilLqrTo:p:s:t:", names, nullptr)) != -1;) {
     const std::string argument = optarg == nullptr ? "" : optarg;
+    if (optarg != nullptr && argument.empty()) wrong_call("an option takes no empty argument");
+    if (std::string_view("gLT").find(static_cast<char>(c)) != std::string_view::npos || c == LANGUAGE) {
+      options.takes_environment = c == 'L';
+    }
     switch (c) {
     case 'c': options.compresses_blanks = true; break;
     case 'g': options.language = "de-u-co-phonebk"; break;

@@ -159,10 +159,21 @@ struct ORDER::ICU {
     return index->getBucketIndex(text_of(word), status);
   }
 
+  /// Whether a heading is the letter of an alphabet, and not what is left between alphabets.
+  bool is_alphabet(std::int32_t heading) const {
+    auto const* const bucket = index->getBucket(heading);
+    return bucket != nullptr && bucket->getLabelType() == U_ALPHAINDEX_NORMAL;
+  }
+
+  bool begins_with_han(std::string_view word) const {
+    UErrorCode status = U_ZERO_ERROR;
+    return uscript_getScript(text_of(word).char32At(0), &status) == USCRIPT_HAN;
+  }
+
   /// The heading of a word: a letter of an alphabet, or else that which it begins with.
   std::string letter_of(std::string_view word) const {
-    auto const* const bucket = index->getBucket(heading_of(word));
-    if (bucket != nullptr && bucket->getLabelType() == U_ALPHAINDEX_NORMAL) return to_utf8(bucket->getLabel());
+    const std::int32_t heading = heading_of(word);
+    if (is_alphabet(heading)) return to_utf8(index->getBucket(heading)->getLabel());
     return to_utf8(UnicodeString(text_of(word).char32At(0)).toUpper());
   }
 };
@@ -207,17 +218,20 @@ GROUP ORDER::group_of(std::string_view sort_key) {
 
 std::vector<HEADING> ORDER::headings(std::vector<std::string_view> const& words) const {
   std::vector<HEADING> found;
+  const auto is_han = [&](std::string_view word) { return icu->begins_with_han(word); };
   for (auto word = words.begin(); word != words.end();) {
     const std::string letter = icu->letter_of(*word);
     if (found.empty() || found.back().letter != letter) {
       found.push_back({static_cast<std::size_t>(word - words.begin()), GROUP::WORDS, letter});
     }
     const std::int32_t heading = icu->heading_of(*word);
-    auto const* const bucket = icu->index->getBucket(heading);
-    if (bucket == nullptr || bucket->getLabelType() != U_ALPHAINDEX_NORMAL) {
-      ++word;
+    if (icu->is_alphabet(heading)) {
+      // In Chinese, Han and Latin words have the same headings, the ones after the others.
+      const bool of_han = is_han(*word);
+      const auto end = std::partition_point(word + 1, words.end(), [&](auto w) { return is_han(w) == of_han; });
+      word = std::partition_point(word + 1, end, [&](auto w) { return icu->heading_of(w) == heading; });
     } else {
-      word = std::partition_point(word + 1, words.end(), [&](auto w) { return icu->heading_of(w) == heading; });
+      ++word;
     }
   }
   return found;

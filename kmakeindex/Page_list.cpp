@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <unordered_set>
 
 namespace {
 
@@ -198,11 +199,10 @@ private:
   void put_references(std::span<ENTRY const> references) {
     std::vector<ENTRY> in_order(references.begin(), references.end());
     std::sort(in_order.begin(), in_order.end(), [](ENTRY const& a, ENTRY const& b) { return a.line < b.line; });
+    std::unordered_set<std::uint32_t> put;
     for (ENTRY const& entry : in_order) {
-      LOOK const* const look = &index.looks[entry.look];
-      const auto is_there = [&](PAGES const& piece) { return piece.look == look; };
-      if (std::any_of(made.pieces.begin(), made.pieces.end(), is_there)) continue;
-      made.pieces.push_back({look, entry.page == ENTRY::no_page ? "" : page(entry.page)});
+      if (!put.insert(entry.look).second) continue;
+      made.pieces.push_back({&index.looks[entry.look], entry.page == ENTRY::no_page ? "" : page(entry.page)});
     }
   }
 };

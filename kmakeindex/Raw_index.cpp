@@ -105,11 +105,10 @@ private:
 } // namespace
 
 std::optional<RAW_INDEX::PACKAGE_LINE> RAW_INDEX::package_line() const {
-  constexpr std::string_view beginning = "% kindex";
-  std::string line = text.substr(0, text.find_first_of("\r\n"));
-  if (!line.starts_with(beginning)) return std::nullopt;
+  std::istringstream words(text.substr(0, text.find('\n')));
+  std::string sign, package;
+  if (!(words >> sign >> package) || sign != "%" || package != "kindex") return std::nullopt;
   PACKAGE_LINE said;
-  std::istringstream words(line.substr(beginning.size()));
   for (std::string word; words >> word;) {
     if (word == "keys=typed") said.typed_keys = true;
     if (word.starts_with("language=")) said.language = word.substr(word.find('=') + 1);

@@ -15,7 +15,7 @@
 
 namespace {
 
-using FIELD = std::variant<char STYLE::*, std::string STYLE::*, long STYLE::*>;
+using FIELD = std::variant<char STYLE::*, std::string STYLE::*, int STYLE::*>;
 
 const std::map<std::string, FIELD> specifiers = {
     {"actual", &STYLE::actual},
@@ -159,10 +159,10 @@ private:
     return true;
   }
 
-  bool take(long& value) {
+  bool take(int& value) {
     if (text[at] == '+') ++at;
     const bool is_flag = &value == &style.headings_flag;
-    long number = 0;
+    int number = 0;
     const auto [end, error] = std::from_chars(text.data() + at, text.data() + text.size(), number);
     if (error != std::errc() || (number < 0 && !is_flag)) return false;
     if (number == 0 && &value == &style.line_max) return false;

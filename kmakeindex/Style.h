@@ -15,7 +15,7 @@ struct STYLE {
   std::string preamble = "\\begin{theindex}\n", postamble = "\n\n\\end{theindex}\n";
   std::string setpage_prefix = "\n  \\setcounter{page}{", setpage_suffix = "}\n";
   std::string group_skip = "\n\n  \\indexspace\n";
-  long headings_flag = 0;
+  int headings_flag = 0;
   std::string heading_prefix, heading_suffix;
   std::string symhead_positive = "Symbols", symhead_negative = "symbols";
   std::string numhead_positive = "Numbers", numhead_negative = "numbers";
@@ -26,9 +26,9 @@ struct STYLE {
   std::string encap_prefix = "\\", encap_infix = "{", encap_suffix = "}";
   std::string page_precedence = "rRnaA";
   static constexpr char page_precedence_of_files[] = "rnaRA"; ///< makeindex has another one where it reads a style file
-  long line_max = 72;
+  int line_max = 72;
   std::string indent_space = "\t\t";
-  long indent_length = 16;
+  int indent_length = 16;
   std::string suffix_2p, suffix_3p, suffix_mp;
   std::string icu_locale; ///< in ICU's form, de@collation=phonebook, or a language tag
 

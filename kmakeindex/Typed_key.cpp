@@ -105,7 +105,8 @@ private:
     if (name == "(" && has_mathematics) verbatim = end_of_mathematics(end);
     if (std::count(verbatim_commands.begin(), verbatim_commands.end(), name) > 0) verbatim = end_of_argument(end);
     if (verbatim != none) return take(PIECE::KIND::VERBATIM, verbatim);
-    take(name.empty() ? PIECE::KIND::SIGN : PIECE::KIND::COMMAND, end);
+    if (name.empty() || (has_mathematics && (name == "(" || name == "verb"))) return take(PIECE::KIND::SIGN, at + 1);
+    take(PIECE::KIND::COMMAND, end);
     if (name == "string" && at < text.size() && text[at] != '\\') take(PIECE::KIND::COMMAND, at + 1);
   }
 
@@ -154,7 +155,8 @@ std::string put_together(std::vector<PIECE> const& pieces, bool escapes_signs, C
     const bool is_brace = piece.kind == PIECE::KIND::OPEN || piece.kind == PIECE::KIND::CLOSE;
     const bool is_backslash = piece.kind == PIECE::KIND::SIGN && piece.text == "\\";
     has_unmatched = has_unmatched || !piece.is_matched;
-    if (is_backslash) complain("ends in a backslash");
+    const bool is_last = &piece == &pieces.back();
+    if (is_backslash) complain(is_last ? "ends in a backslash" : "has mathematics or verbatim text that does not end");
     if (escapes_signs && piece.kind == PIECE::KIND::SIGN && piece.text == "$") complain("has a single $");
     const bool becomes_sign =
         is_brace ? !piece.is_matched : piece.kind == PIECE::KIND::SIGN && (escapes_signs || is_backslash);
@@ -271,6 +273,13 @@ bool has_unmatched_braces(std::string_view text) {
       return true;
   }
   return depth != 0;
+}
+
+bool ends_in_star(std::string_view text) {
+  if (text.size() < 2 || !text.ends_with('*')) return false;
+  const std::size_t before = text.find_last_not_of('\\', text.size() - 2);
+  const std::size_t backslashes = text.size() - 2 - before; // also where nothing else is before
+  return backslashes % 2 == 0;
 }
 
 std::string trim(std::string_view text, std::string_view characters) {

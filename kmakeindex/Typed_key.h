@@ -19,5 +19,8 @@ std::string with_matched_braces(std::string_view text, COMPLAIN const& complain)
 /// Whether a brace, of those that are not escaped, has no partner.
 bool has_unmatched_braces(std::string_view text);
 
+/// Whether a star marks the page as the principal one: it is not alone, and no command.
+bool ends_in_star(std::string_view text);
+
 /// The text without such characters at its ends.
 std::string trim(std::string_view text, std::string_view characters);

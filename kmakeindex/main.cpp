@@ -1,4 +1,6 @@
 #include <algorithm>
+#include <charconv>
+#include <climits>
 #include <deque>
 #include <exception>
 #include <filesystem>
@@ -43,6 +45,7 @@ public:
     }
     for (auto const& [path, text] : texts) write_index(path, text);
     messages.tell(summary(), options.quiet);
+    messages.close_transcript();
   }
 
 private:
@@ -75,9 +78,9 @@ private:
   }
 
   ORDER choose_language() {
-    if (options.language) return {*options.language, options.letter_order};
-    if (!style.icu_locale.empty()) return {style.icu_locale, options.letter_order};
-    const std::string language = package_line ? package_line->language : "";
+    if (options.language && !options.takes_environment) return {*options.language, options.letter_order};
+    if (!options.language && !style.icu_locale.empty()) return {style.icu_locale, options.letter_order};
+    const std::string language = options.language.value_or(package_line ? package_line->language : "");
     try {
       return {language, options.letter_order};
     } catch (FAILURE const&) {
@@ -104,14 +107,20 @@ private:
   INDEX* find_index(std::string_view name, LINE line) {
     const auto found = indexes.find(name);
     if (found != indexes.end()) return &found->second;
-    const bool has_no_file = base.empty() && options.index.empty() && !name.empty();
-    if (!has_no_file && name.find('/') == std::string_view::npos) {
+    if (name.empty() || can_be_file(std::string(name))) {
       return &indexes.try_emplace(std::string(name), style, messages).first->second;
     }
     if (left_out.emplace(name).second) {
-      messages.warn(line, "the index " + std::string(name) + " is left out: there is no file of that name");
+      messages.warn(line, "the index " + shown(name) + " is left out: there can be no file of that name");
     }
     return nullptr;
+  }
+
+  bool can_be_file(std::string const& name) const {
+    if (base.empty() && options.index.empty()) return false; // on standard output there is one index
+    constexpr std::size_t most_bytes = 255;
+    const bool has_sign = name.find('/') != std::string::npos || name.find('\0') != std::string::npos;
+    return !has_sign && fs::path(path_of_index(name)).filename().string().size() <= most_bytes;
   }
 
   /// The path of the file of an index; empty for standard output.
@@ -155,7 +164,9 @@ private:
     while (at != std::string::npos && (at + 1 == log.size() || !is_digit(log[at + 1])))
       at = at == 0 ? std::string::npos : log.rfind('[', at - 1);
     if (at == std::string::npos) return "";
-    const long page = std::strtol(log.c_str() + at + 1, nullptr, 10) + 1;
+    int page = 0;
+    if (std::from_chars(&log[at + 1], log.data() + log.size(), page).ec != std::errc() || page == INT_MAX) return "";
+    ++page;
     const bool is_next = wanted == "any" || (page % 2 != 0) == (wanted == "odd");
     return std::to_string(is_next ? page : page + 1);
   }

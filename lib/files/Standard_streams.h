@@ -7,12 +7,12 @@
 
 /// What a program does first so that its standard streams neither end it nor get into its files.
 ///
-/// A reader that has gone away and a limit on the size of files become failed writes, by a function: unlike SIG_IGN, it
-/// is not inherited by the programs that this one starts. Descriptors 0 to 2 are opened where they are closed, or else
-/// a file would take their place and receive messages.
+/// Nobody needs to read what it prints, and a file that grows beyond a limit is a failed write: unlike SIG_IGN, a
+/// function is not inherited by programs that this one starts. Of descriptors 0 to 2, those that are closed are opened,
+/// or else a file would take their place and receive messages; reading and writing them fails as before.
 inline void prepare_standard_streams() {
   for (const int signal : {SIGPIPE, SIGXFSZ}) std::signal(signal, [](int) {});
-  int file = STDIN_FILENO;
-  while (file >= 0 && file <= STDERR_FILENO) file = open("/dev/null", O_RDWR);
-  if (file >= 0) close(file);
+  for (int file = STDIN_FILENO; file <= STDERR_FILENO; ++file) {
+    if (fcntl(file, F_GETFD) < 0) open("/dev/null", file == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
 }

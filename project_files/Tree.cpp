@@ -54,8 +54,9 @@ KIND kind_of(std::string const& file) {
 std::set<std::string> foreign_headers(fs::path const& file) {
   std::set<std::string> names, own;
   for (INCLUDE const& include : includes_in(file)) {
-    const fs::path path = include.name;
-    if (!include.is_quoted) (path.has_parent_path() ? names : own).insert(path.filename());
+    const fs::path path = include.name, tree = file.parent_path().parent_path();
+    const bool is_own = !path.has_parent_path() || fs::exists(tree / path.parent_path().filename() / path.filename());
+    if (!include.is_quoted) (is_own ? own : names).insert(path.filename());
   }
   for (std::string const& name : own) names.erase(name);
   return names;

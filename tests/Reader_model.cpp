@@ -392,6 +392,8 @@ void reader_model(TRIAL& trial) {
     trial.set_up(name, text);
     std::ofstream(name) << text;
   }
-  READERS readers(trial, trial.below(2) == 0 ? 0 : 48, text);
+  const int mode = trial.below(2) == 0 ? 0 : 48;
+  trial.set_up("mode", std::to_string(mode));
+  READERS readers(trial, mode, text);
   while (trial.goes_on()) readers.step();
 }

@@ -1,7 +1,6 @@
 #include "kmakeindex/Index.h"
 
 #include <algorithm>
-#include <cctype>
 #include <functional>
 #include <map>
 #include <optional>
@@ -12,41 +11,6 @@
 #include "kmakeindex/Typed_key.h"
 
 namespace {
-
-/// Where a text stands among texts as makeindex compares them: signs, digits with other signs, numbers, letters.
-int class_of(std::string_view text) {
-  const auto is_digit = [](unsigned char c) { return std::isdigit(c) != 0; };
-  if (text.empty()) return 0;
-  if (is_digit(static_cast<unsigned char>(text[0]))) return std::all_of(text.begin(), text.end(), is_digit) ? 3 : 2;
-  return std::isalpha(static_cast<unsigned char>(text[0])) != 0 ? 4 : 1;
-}
-
-int compare_numbers(std::string_view a, std::string_view b) {
-  a.remove_prefix(std::min(a.find_first_not_of('0'), a.size()));
-  b.remove_prefix(std::min(b.find_first_not_of('0'), b.size()));
-  if (a.size() != b.size()) return a.size() < b.size() ? -1 : 1;
-  return a.compare(b);
-}
-
-/// Without regard to case and, in letter order, to blanks.
-int compare_letters(std::string_view a, std::string_view b, bool letter_order) {
-  const auto fold = [&](std::string_view text) {
-    std::string folded(text);
-    if (letter_order) std::erase(folded, ' ');
-    std::transform(folded.begin(), folded.end(), folded.begin(), [](unsigned char c) { return std::tolower(c); });
-    return folded;
-  };
-  return fold(a).compare(fold(b));
-}
-
-/// Less than zero if `a` is first. As makeindex compares texts; the empty one, for an item without, is first.
-int compare_texts(std::string_view a, std::string_view b, bool letter_order) {
-  const int kind = class_of(a);
-  int result = kind - class_of(b);
-  if (result == 0 && kind == 3) result = compare_numbers(a, b);
-  if (result == 0 && kind == 4) result = compare_letters(a, b, letter_order);
-  return result == 0 ? a.compare(b) : result;
-}
 
 /// Whether the target of a reference is there as a whole, or each of those that it lists.
 bool refers_to(std::unordered_set<std::string> const& there, std::string_view target) {

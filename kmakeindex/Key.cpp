@@ -31,6 +31,8 @@ public:
   }
 
 private:
+  enum class FIELD { PLACE, TEXT, COMMAND };
+
   std::string_view source;
   KEY_SYNTAX const& syntax;
   STYLE const& style;
@@ -44,7 +46,7 @@ private:
   bool is_at(char c) const { return at < source.size() && source[at] == c; }
 
   /// The text up to a sign of the syntax that is not quoted, or in a command up to the end.
-  std::string read_field(bool is_command, bool is_text = false) {
+  std::string read_field(FIELD kind) {
     std::string field;
     bool is_escaped = false;
     last_is_quoted = false;
@@ -56,10 +58,10 @@ private:
         field += source[++at];
         continue;
       }
-      if (!is_command && (c == style.level || c == style.encap)) break;
-      if (is_command && c == style.encap) complain("has a second " + std::string(1, c));
-      if (!is_command && c == style.actual) {
-        if (!is_text) break;
+      if (kind != FIELD::COMMAND && (c == style.level || c == style.encap)) break;
+      if (kind == FIELD::COMMAND && c == style.encap) complain("has a second " + std::string(1, c));
+      if (kind == FIELD::PLACE && c == style.actual) break;
+      if (kind == FIELD::TEXT && c == style.actual) {
         complain("has a second " + std::string(1, c) + ", which is part of the text");
       }
       field += c;
@@ -79,10 +81,10 @@ private:
   }
 
   void read_level() {
-    KEY::LEVEL level = {read_field(false), "", is_at(style.actual)};
+    KEY::LEVEL level = {read_field(FIELD::PLACE), "", is_at(style.actual)};
     if (level.has_text) {
       ++at;
-      level.text = read_field(false, true);
+      level.text = read_field(FIELD::TEXT);
     }
     if (level.text.empty()) {
       if (level.has_text) complain("has no text after " + std::string(1, style.actual));
@@ -129,7 +131,7 @@ private:
     if (is_at(style.range_open)) key.range = KEY::RANGE::BEGIN;
     if (is_at(style.range_close)) key.range = KEY::RANGE::END;
     if (key.range != KEY::RANGE::NONE) ++at;
-    key.command = read_field(true);
+    key.command = read_field(FIELD::COMMAND);
     if (has_unmatched_braces(key.command)) {
       complain("has braces that do not match in its command");
       key.command.clear();

@@ -36,6 +36,10 @@ private:
   std::unique_ptr<ICU> icu;
 };
 
+/// Less than zero if `a` is before `b` among items of the same place, as makeindex compares texts: none, signs, digits
+/// with other signs, numbers, letters without regard to case and, in letter order, to blanks.
+int compare_texts(std::string_view a, std::string_view b, bool letter_order);
+
 /// The letters and digits of a text, without its commands and without regard to case.
 std::string letters_and_digits(std::string_view text);
 

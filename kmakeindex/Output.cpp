@@ -23,14 +23,13 @@ std::string OUTPUT::write(std::string const& first_page) {
     if (heading != index.headings.end() && heading->begin == i) write_heading(*heading++);
     write_item(index.items[index.order[i]]);
   }
-  end_line();
-  out += std::exchange(pending_delimiter, "") + style.postamble;
+  end_list();
+  out += style.postamble;
   return std::move(out);
 }
 
 void OUTPUT::write_heading(HEADING const& heading) {
-  end_line();
-  out += std::exchange(pending_delimiter, "");
+  end_list();
   if (last_item != nullptr) out += style.group_skip;
   if (style.headings_flag == 0) return;
   const bool is_positive = style.headings_flag > 0;
@@ -101,6 +100,11 @@ void OUTPUT::add_piece(std::string const& text) {
 void OUTPUT::end_line() {
   out += line;
   line.clear();
+}
+
+void OUTPUT::end_list() {
+  end_line();
+  out += std::exchange(pending_delimiter, "");
 }
 
 std::string OUTPUT::with_command(std::string const& command, std::string const& pages) const {

@@ -35,6 +35,7 @@ private:
   void add_to_line(std::string const& text);
   void add_piece(std::string const& text);
   void end_line();
+  void end_list();
   std::string const& before_item(ITEM const& item) const;
   std::string with_command(std::string const& command, std::string const& pages) const;
   std::string with_commands(PAGES const& pages) const;

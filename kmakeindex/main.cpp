@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <charconv>
-#include <climits>
 #include <deque>
 #include <exception>
 #include <filesystem>
@@ -19,6 +18,18 @@
 namespace fs = std::filesystem;
 
 namespace {
+
+/// The number of the last page in a log of TeX, which has each one after a bracket.
+std::optional<unsigned> last_page(std::string const& log) {
+  for (std::size_t end = log.size(); end > 0;) {
+    const std::size_t bracket = log.rfind('[', end - 1);
+    if (bracket == std::string::npos) break;
+    unsigned page = 0;
+    if (std::from_chars(&log[bracket + 1], log.data() + log.size(), page).ec == std::errc()) return page;
+    end = bracket;
+  }
+  return std::nullopt;
+}
 
 /// One run, in the order of the data.
 class RUN {
@@ -158,17 +169,11 @@ private:
     if (wanted != "any" && wanted != "odd" && wanted != "even") return wanted;
     const std::string path = base + ".log";
     if (base.empty() || !is_file(path)) return "";
-    const std::string log = read_file(path);
-    const auto is_digit = [](char c) { return '0' <= c && c <= '9'; };
-    std::size_t at = log.rfind('[');
-    while (at != std::string::npos && (at + 1 == log.size() || !is_digit(log[at + 1])))
-      at = at == 0 ? std::string::npos : log.rfind('[', at - 1);
-    if (at == std::string::npos) return "";
-    int page = 0;
-    if (std::from_chars(&log[at + 1], log.data() + log.size(), page).ec != std::errc() || page == INT_MAX) return "";
-    ++page;
-    const bool is_next = wanted == "any" || (page % 2 != 0) == (wanted == "odd");
-    return std::to_string(is_next ? page : page + 1);
+    const std::optional<unsigned> last = last_page(read_file(path));
+    if (!last) return "";
+    const unsigned next = *last + 1;
+    const bool fits = wanted == "any" || (next % 2 != 0) == (wanted == "odd");
+    return std::to_string(fits ? next : next + 1);
   }
 
   std::string summary() const {

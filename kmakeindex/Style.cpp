@@ -4,8 +4,6 @@
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <iterator>
 #include <map>
 #include <memory>
 #include <sstream>

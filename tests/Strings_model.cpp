@@ -58,8 +58,10 @@ public:
 private:
   void draw_operands() {
     tail = trial.below(t.size() + 1);
-    text = trial.below(2) == 0 ? t.substr(tail, trial.below(4)) : trial.text(trial.below(4)).c_str();
+    text = trial.below(2) == 0 ? t.substr(tail, trial.below(4)) : trial.text(trial.below(4));
     for (std::size_t n = trial.below(4) == 0 ? 8 : 0; n > 0; --n) text += "0129..++-eEdDf \xb2"[trial.below(16)];
+    if (!t.empty() && trial.below(8) == 0) --(text = t).back(); // only just below t
+    text = text.c_str();                                        // which ends at a NUL
     other = text.c_str();
     c = text.empty() ? '\0' : text.back();
     last = string(1, c).c_str();

@@ -42,7 +42,7 @@ void INDEX::add(std::string_view key, std::string_view page, LINE line, KEY_SYNT
 }
 
 INDEX::KEY_USE INDEX::find_key(std::string_view key, LINE line, KEY_SYNTAX const& syntax) {
-  SYNTAX_KEYS& known = keys[syntax.is_typed ? 1 : 0];
+  SYNTAX_KEYS& known = keys[(syntax.is_typed ? 1U : 0U) + (syntax.has_package ? 2U : 0U)];
   const std::uint32_t number = known.texts.number_of(key);
   if (number == known.uses.size()) known.uses.push_back(use_key(key, line, syntax));
   return known.uses[number];

@@ -115,7 +115,7 @@ private:
   STYLE const& style;
   MESSAGES& messages;
   std::deque<std::string> made_texts; ///< those that do not stand in the raw index
-  std::array<SYNTAX_KEYS, 2> keys;    ///< in the syntax of makeindex, and typed
+  std::array<SYNTAX_KEYS, 4> keys;    ///< typed or not, of a document with the package or not
   NUMBERED_TEXTS places, page_names, commands;
   std::vector<std::uint32_t> plain_items; ///< those without a text and a parent, by their places
   std::unordered_map<ITEM_NAME, std::uint32_t, HASH> other_items;

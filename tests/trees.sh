@@ -1,7 +1,8 @@
 # What the cases of trees.txt begin with: the tools of project_files as they are installed, and a few helpers.
 unset MAKEFLAGS MAKELEVEL KMAKE_SCRATCH_DIR BFLAGS CFLAGS CC
-mkdir -p usr/bin usr/share/kindex
+mkdir -p usr/bin usr/share/kindex public
 ln -s "$(command -v project_files)" usr/bin
+ln -s / public/sbin # as an installation that has moved leaves it
 ln -s "$TEST_DATA/../project_files/tools" usr/share/kindex
 export PATH="$PWD/usr/bin:$PATH" K7MACHINE=test K7PATH="$PWD/public"
 . usr/share/kindex/tools/environment

@@ -30,8 +30,12 @@ void MESSAGES::warn(LINE line, std::string_view text) {
 }
 
 void MESSAGES::warn(std::string const& file, unsigned long line, std::string_view text) {
+  warn(file + ':' + std::to_string(line) + ": " + std::string(text));
+}
+
+void MESSAGES::warn(std::string const& text) {
   ++warnings;
-  tell(file + ':' + std::to_string(line) + ": " + std::string(text), false);
+  tell(text, false);
 }
 
 void MESSAGES::tell(std::string const& text, bool quiet) {

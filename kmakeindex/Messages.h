@@ -29,6 +29,7 @@ public:
   /// The lines from `first` on are those of this file.
   void add_file(std::string const& name, LINE first) { files.push_back({name, first}); }
 
+  void warn(std::string const& text);
   void warn(LINE line, std::string_view text);
   void warn(std::string const& file, unsigned long line, std::string_view text);
 

@@ -93,8 +93,12 @@ private:
     const std::string language = options.language.value_or(package_line ? package_line->language : "");
     try {
       return {language, options.letter_order};
-    } catch (FAILURE const&) {
-      messages.warn(raw_indexes.front().name, 1, "there is no language " + language);
+    } catch (FAILURE const& failure) {
+      if (options.takes_environment) {
+        messages.warn(failure.what());
+      } else {
+        messages.warn(raw_indexes.front().name, 1, "there is no language " + language);
+      }
       return {"", options.letter_order};
     }
   }

@@ -323,6 +323,7 @@ private:
     for (const bool inner = trial.below(3) == 0; inner && file->included_file != nullptr; file = file->included_file) {
       plain_file = plain_file->included_file.get();
     }
+    trial.subject = file->name.str + string(": ");
     n = static_cast<int>(trial.below(5));
     code = 2 * static_cast<int>(trial.below(256)) - 100;
     drawn = trial.text(1).c_str();

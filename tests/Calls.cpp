@@ -68,16 +68,18 @@ void scan(STRING const& flags) {
   }
 }
 
-/// Writes two files through one object, and reads the first.
+/// Through one object, writes two files, reads the second and changes the first.
 void write_obin_files() {
   OBIN_FILE file("one", 32);
   file << "first";
   file.open("two", 32);
   file << "second";
-  OBIN_FILE one("one", 0);
+  file.seekg(0);
   STRING word;
-  one >> word;
+  file >> word;
   cerr << word << '\n';
+  file.open("one", 0);
+  file << 'F';
 }
 
 void open_obin_file(STRING const& path) {

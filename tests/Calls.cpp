@@ -91,7 +91,7 @@ void open_obin_file(STRING const& path) {
 ASCII_FILE file;
 
 void read_word() {
-  STRING word;
+  STRING word("none");
   file >> word;
   cerr << '[' << word << ']';
 }

@@ -17,12 +17,23 @@ using M = ERROR_MESSAGER;
 struct RETURNING_MESSAGER : M {
   RETURNING_MESSAGER() { reassign_error_messager(this); }
   void do_EXIT() override {}
-  void alert(STRING text) override { M::alert("alert: " + text); }
+  void err_message(STRING name, STRING text, char const* source_file, int line) override {
+    M::err_message(name, "own " + text, source_file, line);
+  }
+  void err_message(STRING text) override { M::err_message("own " + text); }
+  using M::err_message;
+  void not_implemented_error(STRING text, char const* source_file, int line) override {
+    M::not_implemented_error("own " + text, source_file, line);
+  }
+  void critical(STRING text) override { M::critical("own " + text); }
+  void message(STRING text) override { M::message("own " + text); }
+  void alert(STRING text) override { M::alert("own alert: " + text); }
 };
 
-/// Writes a make file for the libraries k and l.
+/// Writes a make file for the libraries k and l, without a name and with one.
 void make_libraries() {
   MAKE_LIB k{{"k"}, {}}, l{{"l"}, {}};
+  l.dirs.add("k");
   LIST<MAKE_LIB*> libs;
   libs.add(&k);
   libs.add(&l);
@@ -111,7 +122,7 @@ const std::map<std::string_view, std::function<void(STRING const& argument)>> ca
     {"open", [](STRING const& path) { file.open(path.str, file.mode); }},
     {"close", [](STRING const&) { file.close(); }},
     {"remove", [](STRING const&) { std::remove(file.name.str); }},
-    {"write", [](STRING const& text) { file << text << std::flush; }},
+    {"write", [](STRING const& text) { file << text; }},
     {"goto", [](STRING const& p) { file.goto_position_and_set_previous_pos(p.to_int()); }},
     {"ignore_all", [](STRING const&) { file.ignore(1000); }},
     {"state", [](STRING const&) { print_state(); }},
@@ -125,6 +136,7 @@ const std::map<std::string_view, std::function<void(STRING const& argument)>> ca
     {"UNKNOWN_COMMAND", [](STRING const& text) { UNKNOWN_COMMAND(text); }},
     {"UNKNOWN_COEF", [](STRING const& text) { UNKNOWN_COEF(text); }},
     {"returning_messager", [](STRING const&) { new RETURNING_MESSAGER; }},
+    {"another_messager", [](STRING const&) { const M another; }},
     {"delete_messager", [](STRING const&) { delete M::active_error_messager; }},
     {"message", [](STRING const&) { M::STATIC_MESSAGE("text"); }},
     {"alert", [](STRING const&) { M::STATIC_ALERT("text"); }},

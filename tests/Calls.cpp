@@ -39,8 +39,11 @@ void make_libraries() {
   libs.add(&l);
   MAKE_PROJECT project;
   project.libs = &libs;
-  project.splash();
-  cerr << project.file_name << '\n';
+  for (char const* name : {"", "named"}) {
+    project.file_name = name;
+    project.splash();
+    cerr << project.file_name << '\n';
+  }
 }
 
 /// Writes twice an Eclipse project of the directories k and `second`, with a.c in k and b.c in `dir_of_b`.
@@ -61,15 +64,14 @@ void splash_twice(char const* second, char const* dir_of_b) {
   eclipse.splash();
 }
 
-/// Scans "scanned" with the flags that the argument names, and prints each file with what it includes.
+/// Scans ".", then "scanned" with the flags that the argument names, and prints each file with what it includes.
 void scan(STRING const& flags) {
   KDIR_SCANNER scanner;
   scanner.scan_headers = strstr(flags.str, "scan_headers") != nullptr;
   scanner.fortran = strstr(flags.str, "fortran") != nullptr;
   scanner.skip_includes = strstr(flags.str, "skip_includes") != nullptr;
   scanner.all_names = strstr(flags.str, "all_names") != nullptr;
-  STRING directory("scanned");
-  for (int time = 0; time < 2; ++time) scanner.do_scan(directory);
+  for (STRING directory : {".", "scanned"}) scanner.do_scan(directory);
   for (int i = 0; i < scanner.found_files.size; ++i) {
     cerr << scanner.found_files[i];
     if (scanner.includes.size > 0) {

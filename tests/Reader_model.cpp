@@ -150,6 +150,7 @@ struct PLAIN_FILE {
   }
 
   void get(LIST<int>& list, int count) {
+    list.resize(0);
     for (int i = 0; i < count || count == 0; ++i) {
       const int n = getint();
       if (!ok && count == 0) return;
@@ -342,7 +343,8 @@ private:
 
   string get(auto& f) {
     LIST<int> list;
-    f.get(list, n);
+    list.add(n);
+    f.get(list, n - 1);
     string numbers;
     for (const int number : list) numbers += std::to_string(number) + ' ';
     return numbers;
@@ -376,8 +378,9 @@ private:
       both("getdouble_sl", [](auto& f) { return f.getdouble_sl(); }),
       both("get", [this](auto& f) { return get(f); }),
       both("allowed_character", [this](auto& f) { return f.allowed_character(code + n); }),
-      both("locate", [this](auto& f) { f.locate(word_for(f)); }),
+      both("locate", [this](auto& f) { f.locate(word_for(f).str); }),
       both("locate_next", [this](auto& f) { f.locate_next(word_for(f)); }),
+      both("locate_next(char const*)", [this](auto& f) { f.locate_next(word_for(f).str); }),
       both("skip_until_word_start_with", [this](auto& f) { f.skip_until_word_start_with(word_for(f)); }),
       both("validate_def", [this](auto& f) { f.validate_def(word_for(f), word_for(f)); }),
       both("get_file_info", []<class FILE_TYPE>(FILE_TYPE&) { return place<FILE_TYPE>(); }),

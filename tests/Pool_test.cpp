@@ -49,7 +49,8 @@ TEST(Pool, AsksForWhatItsRulesSay) {
   write(record, text);
   const int free_buffers = Nb_string;
   EXPECT_EQ(bytes_of([&] { s = (STRING(longest).cut_out('x') + "a" + itoa(5)).getSTRING(); }), 0U);
-  EXPECT_EQ(Nb_string, free_buffers) << "all come back";
+  put_ptr(nullptr);
+  EXPECT_EQ(Nb_string, free_buffers) << "all come back, and null is none";
   EXPECT_EQ(bytes_of([&] { const STRING copy(text.str); }), 602U);
   EXPECT_EQ(bytes_of([&] { s = text; }), 601U);
   EXPECT_EQ(bytes_of([&] { s += s; }), 1201U);

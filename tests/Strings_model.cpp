@@ -70,17 +70,26 @@ private:
 
   std::size_t place(char const* p) const { return p == nullptr ? string::npos : static_cast<std::size_t>(p - s.str); }
 
-  /// The order of the texts up to `tail`.
-  int starts() const { return sign(t.substr(0, tail).compare(text.substr(0, tail))); }
+  /// The order of the texts up to `length`.
+  int starts() const {
+    const auto n = static_cast<std::size_t>(std::max(length(), 0));
+    return sign(t.substr(0, n).compare(text.substr(0, n)));
+  }
 
   string record() const {
     const auto size = static_cast<int>(text.size());
     return string(reinterpret_cast<char const*>(&size), sizeof size) + text;
   }
 
-  void read_record() {
-    std::istringstream in(record().substr(0, tail + sizeof(int))); // the end may come early
-    read(in, s);
+  bool read_whole(string const& bytes) {
+    std::istringstream in(bytes);
+    in.exceptions(std::ios::failbit);
+    try {
+      read(in, s);
+    } catch (std::ios::failure const&) {
+      return false;
+    }
+    return true;
   }
 
   string written() const {
@@ -107,6 +116,7 @@ private:
   }
 
   TRIAL& trial;
+  static constexpr char const* null = nullptr;
   STRING s;
   string t;
   bool ok = true;
@@ -117,16 +127,19 @@ private:
   std::size_t tail = 0; // a place in t
   std::size_t at = 0;   // where it has c
 
-  int length() const { return static_cast<int>(tail); }
+  int length() const { return static_cast<int>(tail) - 1; } // or below 0, which counts as 0
   int order() const { return sign(t.compare(text)); }
 
   const std::vector<OPERATION> operations = {
       {"= char const*", [&] { s = text.c_str(); }, [&] { t = text; }},
       {"= STRING", [&] { s = other; }, [&] { t = text; }},
       {"= char", [&] { s = c; }, [&] { t = last; }},
-      {"= null", [&] { s = static_cast<char const*>(nullptr); }, [&] { t = ""; }},
+      {"= null", [&] { s = null; }, [&] { t = ""; }},
+      {"+= null", [&] { s += null; }, [] {}},
       {"= own tail", [&] { s = s.str + tail; }, [&] { t = t.substr(tail); }},
-      {"read", [&] { read_record(); }, [&] { t = text.substr(0, tail); }},
+      {"read", [&] { return read_whole(record().substr(0, tail + sizeof(int))); }, // the end may come early
+       [&] { return t = text.substr(0, tail), tail >= text.size(); }},
+      {"read a negative length", [&] { return read_whole("\xff\xff\xff\xff" + text); }, [&] { return t = "", true; }},
       {"write and <<", [&] { return written(); }, [&] { return record() + padded(); }},
       {"+= char const*", [&] { s += text.c_str(); }, [&] { t += text; }},
       {"+= char", [&] { s += c; }, [&] { t += last; }},

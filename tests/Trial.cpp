@@ -12,10 +12,10 @@ constexpr std::size_t operations_shown = 12;
 std::vector<string> all_pieces() {
   std::istringstream list(
       " |  | |\n|\r|\r\n|\n\n|\t|,|;|/|=|%|%c |#|\xe9|\xff\x80|_|a|ab|b|b a|x|A|Z/a|EOF|\\|*|{|}|}{|{a}{1}|{a*}{1}|{B}|"
-      "}{2}{b*|12|-7 |+|-|1e99|.5|1.5e3|1.5D+3|-1.e2|2.D-1|2147483647|-2147483649|-21474836475|in |f1 |f2 |none |. "
-      "|#define "
+      "}{2}{b*|12|-7 |+|-|1e99|.5|1.5e3|1.5D+3|-1.e-9|2.D-1|2147483647|-2147483649|-21474836475|in |f1 |f2 |none |. "
+      "|#define | \t"
       "|\n#define A |"
-      "#define a b\n|#define b A B|# 9 \"\"f\n|# 40 \"x y\" 1\n|\n# 2147483647 f\n|#include <|<|>\n|"
+      "#define a b\n|#define b A B|# 0 \"\"f\n|# 40 \"x y\" 1\n|\n# 2147483647 f\n|#include <|<|>\n|"
       "\n#include <A/BB.h>\n#include <A/C.h\n|^0254|^0508|{^0997|#include <^1021|\n^4082#include <A.>|^9000");
   std::vector<string> pieces = {string(1, '\0')};
   for (string piece; std::getline(list, piece, '|'); pieces.push_back(piece)) {

@@ -83,6 +83,12 @@ TEST(Pool, KeepsTextsWhereMemoryRunsOut) {
     EXPECT_EQ(list[0], longest);
     EXPECT_EQ(std::count(pBufs, pBufs + Nb_string + 1, text.str), 0);
   }
+  while (Nb_string >= 0) delete[] pBufs[Nb_string--];
+  std::istringstream words("word");
+  next_fails = true;
+  words >> text;
+  EXPECT_TRUE(words.fail());
+  EXPECT_EQ(text, longest);
   next_fails = true;
   EXPECT_THROW(list.resize(2), std::bad_alloc);
   EXPECT_EQ(list.ptr, nullptr);

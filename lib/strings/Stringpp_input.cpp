@@ -1,4 +1,5 @@
 #include <istream>
+#include <new>
 #include <string>
 
 #include "lib/diagnostics/Error_messager.h"
@@ -30,6 +31,10 @@ std::istream& operator>>(std::istream& is, STRING& s) {
     ERROR_MESSAGER::static_err_message("word is too long (length=" + length + ") to be read from standard input",
                                        "Stringpp", 324); // a fixed text, like the place it names
   }
-  s = word.c_str();
+  try {
+    s = word.c_str();
+  } catch (std::bad_alloc const&) {
+    is.setstate(std::ios_base::badbit);
+  }
   return is;
 }

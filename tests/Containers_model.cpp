@@ -75,7 +75,7 @@ private:
       {"hard_resize", [&] { ours.hard_resize(i); }, [&] { renew(n); }},
       {"resize to a negative size", [&] { ours.resize(-i); }, [&] { resize(0); }},
       {"set_size", [&] { ours.set_size(fitting == 0 ? -i : static_cast<int>(fitting)); }, [&] { size = fitting; }},
-      {"set_ptr_and_size", [&] { ours.set_ptr_and_size(new NUMBER[n], i); }, [&] { renew(n); }},
+      {"set_ptr_and_size", [&] { ours.set_ptr_and_size(n == 0 ? nullptr : new NUMBER[n], i); }, [&] { renew(n); }},
       {"set_ptr_and_size, the same ptr", [&] { ours.set_ptr_and_size(ours.ptr, static_cast<int>(fitting)); },
        [&] {
          all.resize(fitting);

@@ -72,10 +72,13 @@ TEST(Pool, TakesTheBufferOfAnEmptyTextBeforeItGivesOne) {
 TEST(Pool, KeepsTextsWhereMemoryRunsOut) {
   const STRING longest(std::string(600, 'x').c_str());
   STRING text(longest);
-  LIST<STRING> list;
+  BUFF_LIST<STRING> list(1);
   list.add(text);
+  std::stringstream record;
+  write(record, longest);
   const std::function<void()> operations[] = {[&] { text += text; }, [&] { text = longest; },
-                                              [&] { text.clear_space(); }, [&] { list.add(text); }};
+                                              [&] { text.clear_space(); }, [&] { read(record, text); },
+                                              [&] { list.add(text); }};
   for (auto const& operation : operations) {
     next_fails = true;
     EXPECT_THROW(operation(), std::bad_alloc);
@@ -92,6 +95,7 @@ TEST(Pool, KeepsTextsWhereMemoryRunsOut) {
   next_fails = true;
   EXPECT_THROW(list.resize(2), std::bad_alloc);
   EXPECT_EQ(list.ptr, nullptr);
+  EXPECT_EQ(list.capacity, 0);
 }
 
 } // namespace

@@ -21,6 +21,7 @@ public:
   void step() {
     n = trial.below(9);
     i = static_cast<int>(n);
+    number.n = i;
     fitting = std::min(n, all.size());
     trial.subject = name;
     trial.do_one_of(operations, std::to_string(n));
@@ -67,10 +68,11 @@ private:
   const std::size_t growth;
   std::size_t n = 0;       // the operand
   int i = 0;               // the same
+  NUMBER number;           // the same
   std::size_t fitting = 0; // the same where there are that many places
 
   const std::vector<OPERATION> operations = {
-      {"add", [&] { ours.add(n < size ? ours[i] : NUMBER{i}); }, [&] { add(); }},
+      {"add", [&] { ours.add(n < size ? ours[i] : number); }, [&] { add(); }},
       {"resize", [&] { ours.resize(i); }, [&] { resize(n); }},
       {"hard_resize", [&] { ours.hard_resize(i); }, [&] { renew(n); }},
       {"resize to a negative size", [&] { ours.resize(-i); }, [&] { resize(0); }},

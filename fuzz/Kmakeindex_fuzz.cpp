@@ -7,15 +7,16 @@
 #include "kmakeindex/Raw_index.h"
 #include "tests/Trial.h"
 
-/// Makes an index of each input: a sign whose bits are the options, a style file, a form feed, and the raw index.
+/// Makes an index of each input: a style file and a form feed, if there is one, and the raw index. The bits of the last
+/// byte are the options.
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
   static const SCRATCH_DIRECTORY scratch;
   static const ORDER by_words("", false), by_letters("", true); // which take long to make
   std::cerr.setstate(std::ios::failbit);                        // messages are many
   const std::string input(reinterpret_cast<char const*>(data), size);
-  const unsigned options = input.empty() ? 0 : static_cast<unsigned char>(input[0]);
-  const std::size_t style_size = std::min(input.find('\f'), size);
-  std::ofstream("style.ist") << input.substr(0, style_size).erase(0, 1);
+  const unsigned options = input.empty() ? 0 : static_cast<unsigned char>(input.back());
+  const std::size_t style_size = input.find('\f') + 1;
+  std::ofstream("style.ist") << input.substr(0, style_size);
   const RAW_INDEX raw = {"raw index", input.substr(style_size)};
   MESSAGES messages;
   messages.add_file(raw.name, 1);

@@ -17,15 +17,6 @@ using M = ERROR_MESSAGER;
 struct RETURNING_MESSAGER : M {
   RETURNING_MESSAGER() { reassign_error_messager(this); }
   void do_EXIT() override {}
-  void err_message(STRING name, STRING text, char const* source_file, int line) override {
-    M::err_message(name, "own " + text, source_file, line);
-  }
-  void err_message(STRING text) override { M::err_message("own " + text); }
-  using M::err_message;
-  void not_implemented_error(STRING text, char const* source_file, int line) override {
-    M::not_implemented_error("own " + text, source_file, line);
-  }
-  void critical(STRING text) override { M::critical("own " + text); }
   void message(STRING text) override { M::message("own " + text); }
   void alert(STRING text) override { M::alert("own alert: " + text); }
 };

@@ -83,13 +83,9 @@ private:
 
   bool read_whole(string const& bytes) {
     std::istringstream in(bytes);
-    in.exceptions(std::ios::failbit);
-    try {
-      read(in, s);
-    } catch (std::ios::failure const&) {
-      return false;
-    }
-    return true;
+    in.exceptions(std::ios::badbit);
+    read(in, s);
+    return !in.fail() && in.exceptions() == std::ios::badbit;
   }
 
   string written() const {

@@ -27,7 +27,7 @@ public:
     trial.do_one_of(operations, std::to_string(n));
     std::string found, expected;
     for (NUMBER const& element : ours) found += std::to_string(element.n) + ' ';
-    std::for_each(all.begin(), end(), [&](int number) { expected += std::to_string(number) + ' '; });
+    std::for_each(all.begin(), end(), [&](int element) { expected += std::to_string(element) + ' '; });
     trial.compare("elements", found, expected);
     if constexpr (std::is_same_v<CONTAINER, BUFF_LIST<NUMBER>>) trial.compare("capacity", ours.capacity, all.size());
   }

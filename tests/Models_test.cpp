@@ -54,7 +54,7 @@ TEST_P(Models, DoesWhatTheSubsystemDoes) {
     alarm(60); // in case it does not end
     GetParam().run(trial);
     alarm(0);
-    ASSERT_EQ(trial.report(), "");
+    ASSERT_TRUE(trial.report().empty()) << trial.report();
   }
 }
 

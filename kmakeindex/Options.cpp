@@ -59,26 +59,27 @@ OPTIONS read_options(int argc, char* argv[]) {
       {nullptr, 0, nullptr, 0},
   };
   OPTIONS options;
+  const auto order_as = [&](std::string const& language, bool is_of_environment) {
+    options.language = language;
+    options.language_is_of_environment = is_of_environment;
+  };
   for (int c = 0; (c = getopt_long(argc, argv, "cgilLqrTo:p:s:t:", names, nullptr)) != -1;) {
     const std::string argument = optarg == nullptr ? "" : optarg;
     if (optarg != nullptr && argument.empty()) wrong_call("an option takes no empty argument");
-    if (std::string_view("gLT").find(static_cast<char>(c)) != std::string_view::npos || c == LANGUAGE) {
-      options.takes_environment = c == 'L';
-    }
     switch (c) {
     case 'c': options.compresses_blanks = true; break;
-    case 'g': options.language = "de-u-co-phonebk"; break;
+    case 'g': order_as("de-u-co-phonebk", false); break;
     case 'i': options.reads_input = true; break;
     case 'l': options.letter_order = true; break;
-    case 'L': options.language = language_of_environment(); break;
+    case 'L': order_as(language_of_environment(), true); break;
     case 'q': options.quiet = true; break;
     case 'r': options.makes_ranges = false; break;
-    case 'T': options.language = "th"; break;
+    case 'T': order_as("th", false); break;
     case 'o': options.index = argument; break;
     case 'p': options.first_page = argument; break;
     case 's': options.styles.push_back(argument); break;
     case 't': options.transcript = argument; break;
-    case LANGUAGE: options.language = argument; break;
+    case LANGUAGE: order_as(argument, false); break;
     case KEYS:
       if (argument != "typed" && argument != "makeindex")
         wrong_call("--keys takes typed or makeindex, not " + argument);

@@ -18,7 +18,7 @@ struct OPTIONS {
   bool quiet = false;
   std::optional<bool> typed_keys;      ///< whatever the raw index says
   std::optional<std::string> language; ///< a language tag
-  bool takes_environment = false;      ///< for the language
+  bool language_is_of_environment = false;
 };
 
 /// Takes the command line apart. Ends the program where that is all there is to do: with status 0 after --help and

@@ -129,9 +129,11 @@ LINE read_entries(RAW_INDEX const& raw, LINE first_line, STYLE const& style, MES
                   std::function<void(RAW_ENTRY const&, LINE)> const& take) {
   LINE line = first_line;
   bool may_have_other_bytes = !is_utf8(raw.text);
-  if (raw.package_line()) ++line;
   std::string_view text = raw.text;
-  if (raw.package_line()) text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+  if (raw.package_line()) {
+    ++line;
+    text.remove_prefix(std::min(text.find('\n'), text.size() - 1) + 1);
+  }
   for (; !text.empty(); ++line) {
     std::string_view one = text.substr(0, text.find('\n'));
     if (may_have_other_bytes && !is_utf8(one)) {

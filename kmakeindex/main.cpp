@@ -88,13 +88,13 @@ private:
   }
 
   ORDER choose_language() {
-    if (options.language && !options.takes_environment) return {*options.language, options.letter_order};
+    if (options.language && !options.language_is_of_environment) return {*options.language, options.letter_order};
     if (!options.language && !style.icu_locale.empty()) return {style.icu_locale, options.letter_order};
     const std::string language = options.language.value_or(package_line ? package_line->language : "");
     try {
       return {language, options.letter_order};
     } catch (FAILURE const& failure) {
-      if (options.takes_environment) {
+      if (options.language_is_of_environment) {
         messages.warn(failure.what());
       } else {
         messages.warn(raw_indexes.front().name, 1, "there is no language " + language);
